@@ -1,0 +1,1 @@
+#include "tavo/tavo.h"

@@ -1,0 +1,1 @@
+#include "qel/utils/text.h"

@@ -1,0 +1,2 @@
+// The whole public face of the core.
+#pragma once
