@@ -18,5 +18,7 @@ for target in "$build"/bin/fuzz_*; do
         -artifact_prefix="$build/crashes/$name-")
     [[ -f $source_dir/fuzz/$name.dict ]] && options+=(-dict="$source_dir/fuzz/$name.dict")
     echo "== $name, $seconds s"
-    "$target" "${options[@]}" "${corpora[@]}" 2>&1 | tail -n 12
+    log=$build/$name.log
+    "$target" "${options[@]}" "${corpora[@]}" >"$log" 2>&1 || { cat "$log"; exit 1; }
+    grep -E '^(Done|stat::)' "$log"
 done
