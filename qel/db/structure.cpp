@@ -146,10 +146,12 @@ void Database::link(ChildLink& l, Node& parent, ChildLink* before) {
     std::wstring const& name = l.child->getNodeName();
     l.nameHash = NameTable::hash(parent.firstID_, name);
     if (!name.empty()) names_.insert(l.nameHash, l.child->firstID_);
+    if (&l == &l.child->place_) l.child->onPlaceChanged(true);
 }
 
 void Database::unlink(ChildLink& l) {  // keeps its own neighbours: the place to come back to
     Node& parent = *l.parent;
+    if (&l == &l.child->place_) l.child->onPlaceChanged(false);
     (l.previous ? l.previous->next : parent.firstChild_) = l.next;
     (l.next ? l.next->previous : parent.lastChild_) = l.previous;
     --parent.childCount_;
