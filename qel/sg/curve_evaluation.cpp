@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
-#include <utility>
 
 #include "qel/sg/curve_spline.h"
 
@@ -242,22 +241,25 @@ PreparedCurve::Segment PreparedCurve::lastSegment() const {
 }
 
 // For first input <= input < last input. The search keeps x[at] <= input and has no branch to predict.
+template<class Input> unsigned PreparedCurve::search(Input input) const {
+    float const* const x = sortedInputs();
+    unsigned at = 0;
+    for (unsigned size = m_used; size > 1;) {
+        unsigned const half = size / 2;
+        at += half * unsigned(x[at + half] <= input);
+        size -= half;
+    }
+    return at;
+}
+
 template<class Input> PreparedCurve::Segment PreparedCurve::find(Input input, unsigned& hint) const {
     float const* const x = sortedInputs();
     unsigned const end = m_used - 1;
     unsigned at = hint;
     bool isNear = at < end && x[at] <= input;
     if (isNear && !(input < x[at + 1])) isNear = ++at < end && input < x[at + 1];
-    if (!isNear) {
-        at = 0;
-        for (unsigned size = m_used; size > 1;) {
-            unsigned const half = size / 2;
-            at += half * unsigned(x[at + half] <= input);
-            size -= half;
-        }
-    }
-    hint = at;
-    return {firstOfInput(at), at + 1};
+    hint = isNear ? at : search(input);
+    return {firstOfInput(hint), hint + 1};
 }
 
 double PreparedCurve::fraction(Segment segment, double input) const {
@@ -285,7 +287,10 @@ float PreparedCurve::evaluateAny(float input, unsigned& hint, float external) co
     if (m_used == 0) return 0;
     if (std::isnan(input)) return toFloat(output(0));
     float const* const x = sortedInputs();
-    if (x[0] <= input && input < x[m_used - 1]) return toFloat(inside(input, hint, external));
+    if (x[0] <= input && input < x[m_used - 1]) {
+        if (m_plainSegments) return blend(hint = search(input), input);
+        return toFloat(inside(input, hint, external));
+    }
     return toFloat(outside(std::clamp(double(input), -largest, largest), hint, external));
 }
 
@@ -337,11 +342,11 @@ double PreparedCurve::gradient(Segment segment, unsigned end) const {
 
 CurveSpline PreparedCurve::spline(Segment segment) const {
     unsigned const left = slotOf(segment.left), right = slotOf(segment.right);
-    double const width = input(segment.right) - input(segment.left);
+    double const scale = 1 / (input(segment.right) - input(segment.left));
     double const y0 = output(segment.left), y3 = output(segment.right);
     CurveSpline curve{.y0 = y0, .y1 = y0, .y2 = y3, .y3 = y3};
-    curve.setOutHandle(component(m_keys.outTangentsX, left), component(m_keys.outTangentsY, left), width);
-    curve.setInHandle(component(m_keys.inTangentsX, right), component(m_keys.inTangentsY, right), width);
+    curve.setOutHandle(component(m_keys.outTangentsX, left) * scale, component(m_keys.outTangentsY, left));
+    curve.setInHandle(component(m_keys.inTangentsX, right) * scale, component(m_keys.inTangentsY, right));
     return curve;
 }
 
@@ -519,13 +524,9 @@ void PreparedCurve::addTurn(double cycle, double from, double to, double toleran
     CurveExtrapolation const mode = cycle < 0 ? m_keys.pre : m_keys.post;
     bool const mirrored = mode == CurveExtrapolation::reverseCyclic && std::fmod(cycle, 2) != 0;
     double const rise = mode == CurveExtrapolation::offsetCyclic ? cycle * (output(last()) - output(0)) : 0;
-    double low = std::clamp(from - shift, first, end), high = std::clamp(to - shift, first, end);
-    if (mirrored) {
-        low = std::exchange(high, first + end - low);
-        low = first + end - low;
-    }
+    double const low = std::clamp(from - shift, first, end), high = std::clamp(to - shift, first, end);
     Points turn;
-    addInside(low, high, tolerance, turn);
+    addInside(mirrored ? first + end - high : low, mirrored ? first + end - low : high, tolerance, turn);
     if (mirrored) std::reverse(turn.begin(), turn.end());
     for (CurvePoint const& point : turn) {
         double const x = mirrored ? first + end - point.x : point.x;

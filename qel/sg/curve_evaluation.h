@@ -100,8 +100,7 @@ public:
             if (!(input < x[i + 1])) ++i;
             if (i < m_plainSegments && input < x[i + 1]) {
                 hint = i;
-                double const x0 = x[i], y0 = m_keys.outputs[i];
-                return float(y0 + (input - x0) / (x[i + 1] - x0) * (m_keys.outputs[i + 1] - y0));
+                return blend(i, input);
             }
         }
         return evaluateAny(input, hint, external);
@@ -156,10 +155,16 @@ private:
     Segment firstSegment() const;
     Segment lastSegment() const;
     Segment segmentAfter(unsigned rank) const;
+    template<class Input> unsigned search(Input) const;
     template<class Input> Segment find(Input, unsigned& hint) const;
     double fraction(Segment, double input) const;
     Folded fold(double input, CurveExtrapolation) const;
 
+    // In a plain segment, where ranks are slots.
+    float blend(unsigned i, float input) const {
+        double const x0 = m_keys.inputs[i], y0 = m_keys.outputs[i];
+        return float(y0 + (input - x0) / (m_keys.inputs[i + 1] - x0) * (m_keys.outputs[i + 1] - y0));
+    }
     float evaluateAny(float input, unsigned& hint, float external) const;
     template<class Input> double inside(Input, unsigned& hint, double external) const;
     double outside(double input, unsigned& hint, double external) const;
