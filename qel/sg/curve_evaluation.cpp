@@ -283,6 +283,16 @@ PreparedCurve::Folded PreparedCurve::fold(double input, CurveExtrapolation mode)
 
 // ---- values
 
+CurveSpline PreparedCurve::spline(Segment segment) const {
+    unsigned const left = slotOf(segment.left), right = slotOf(segment.right);
+    double const scale = 1 / (input(segment.right) - input(segment.left));
+    double const y0 = output(segment.left), y3 = output(segment.right);
+    CurveSpline curve{.y0 = y0, .y1 = y0, .y2 = y3, .y3 = y3};
+    curve.setOutHandle(component(m_keys.outTangentsX, left) * scale, component(m_keys.outTangentsY, left));
+    curve.setInHandle(component(m_keys.inTangentsX, right) * scale, component(m_keys.inTangentsY, right));
+    return curve;
+}
+
 float PreparedCurve::evaluateAny(float input, unsigned& hint, float external) const {
     if (m_used == 0) return 0;
     if (std::isnan(input)) return toFloat(output(0));
@@ -338,16 +348,6 @@ double PreparedCurve::gradient(Segment segment, unsigned end) const {
     double const reach = atStart ? curve.x1 : 1 - curve.x2;
     double const rise = atStart ? curve.y1 - curve.y0 : curve.y3 - curve.y2;
     return reach > 0 ? rise / (reach * width) : chord;
-}
-
-CurveSpline PreparedCurve::spline(Segment segment) const {
-    unsigned const left = slotOf(segment.left), right = slotOf(segment.right);
-    double const scale = 1 / (input(segment.right) - input(segment.left));
-    double const y0 = output(segment.left), y3 = output(segment.right);
-    CurveSpline curve{.y0 = y0, .y1 = y0, .y2 = y3, .y3 = y3};
-    curve.setOutHandle(component(m_keys.outTangentsX, left) * scale, component(m_keys.outTangentsY, left));
-    curve.setInHandle(component(m_keys.inTangentsX, right) * scale, component(m_keys.inTangentsY, right));
-    return curve;
 }
 
 // ---- handles

@@ -18,7 +18,7 @@
 //   points backwards keeps its y and loses its x. With both handles' x inside the segment x(u) never falls, even when
 //   the handles overlap. A handle of (0, 0) is none: the curve leaves or meets that key flat, as with a horizontal
 //   handle of a third of the segment, so that keys without handles give the ease 3s^2 - 2s^3.
-// - The root of x(u) = input is found by Newton's method inside a bracket, to 1e-9 of the segment.
+// - The root of x(u) = input is found by Halley's method, in hard cases by Newton's in a bracket, to 1e-9 in u.
 // - Before the first and after the last key: constant holds the end key's output, linear goes on with the gradient,
 //   cyclic repeats, reverseCyclic repeats with every other turn mirrored in time, offsetCyclic adds last minus first
 //   output for each turn. At the last key its own output is the value.
