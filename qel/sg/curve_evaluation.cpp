@@ -213,9 +213,11 @@ void PreparedCurve::finish() {
 CurveBounds PreparedCurve::bounds() const {
     if (m_used == 0) return {};
     CurveBounds found{float(input(0)), float(input(m_used - 1)), float(output(0)), float(output(0))};
-    for (unsigned rank = 1; rank < m_used; ++rank) {
-        found.minOutput = std::min(found.minOutput, float(output(rank)));
-        found.maxOutput = std::max(found.maxOutput, float(output(rank)));
+    if (!m_keys.outputs) return found;
+    for (unsigned slot = 0; slot < m_keys.count; ++slot) {
+        if (!std::isfinite(m_keys.inputs[slot])) continue;
+        found.minOutput = std::min(found.minOutput, m_keys.outputs[slot]);
+        found.maxOutput = std::max(found.maxOutput, m_keys.outputs[slot]);
     }
     return found;
 }

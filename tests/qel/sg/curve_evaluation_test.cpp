@@ -506,6 +506,7 @@ TEST(CurveEvaluation, TheOrderIsByInputThenSlot) {
 TEST(CurveEvaluation, BoundsSpanTheKeys) {
     EXPECT_EQ(Curve({{5, -2}, {1, 7}, {3, 9}}).prepared.bounds(), (CurveBounds{1, 5, -2, 9}));
     EXPECT_EQ(Curve({{5, 4}}).prepared.bounds(), (CurveBounds{5, 5, 4, 4}));
+    EXPECT_EQ(Curve({{nan, 99}, {5, 4}, {infinity, -99}}).prepared.bounds(), (CurveBounds{5, 5, 4, 4}));
 }
 
 // What incremental changes leave behind answers as what a fresh curve finds.
