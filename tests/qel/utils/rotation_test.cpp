@@ -202,3 +202,19 @@ TEST(Rotation, InvertRefusesWhatHasNoInverseAndLeavesTheResult) {
         EXPECT_EQ(out, noise);
     }
 }
+
+// Their determinant in double precision is seldom exactly 0.
+TEST(Rotation, InvertRefusesRowsThatDependOnOneAnotherWithinRounding) {
+    std::mt19937 random(seed);
+    auto const entry = [&random] { return static_cast<float>(random() % 2097152) / 1048576; };
+    for (int round = 0; round < 1000; ++round) {
+        Matrix34 m;
+        for (int j = 0; j < 3; ++j) {
+            m.m[0][j] = entry();
+            m.m[1][j] = entry();
+            m.m[2][j] = m.m[0][j] + m.m[1][j];
+        }
+        Matrix34 out;
+        ASSERT_FALSE(invert(m, out));
+    }
+}
