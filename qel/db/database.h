@@ -101,6 +101,7 @@ public:
     ObserverManager& observers() { return observers_; }
     static bool isObserverTimingEnabled() { return timing_; }
     static void setObserverTimingEnabled(bool on) { timing_ = on; }
+    Qelutils::BasicLogger* logger() const { return logger_; }
     void setLogger(Qelutils::BasicLogger* sink) { logger_ = sink, observers_.setLogger(sink); }
 
     // ---- for the classes of this library and the graph ----

@@ -59,6 +59,7 @@ Layout::Layout(std::vector<AttributeDef const*> const& topLevel, std::size_t hea
         if (hot) hotEnd = at;
     }
     size = at;
+    for (RowInfo const& r : rows) offsets.push_back(r.offset);
     assert(size < 4096 * 8 && rows.size() < 1024 && "more than an attribute's word can address");
     for (int i = 0; i < topLevelCount; ++i) byName_.emplace(rows[std::size_t(i)].def->name, i);
 }

@@ -135,7 +135,7 @@ public:
     // A top-level attribute of known number and class.
     template<class A> A& at(int row) const {
         return *reinterpret_cast<A*>(reinterpret_cast<char*>(const_cast<Node*>(this)) +
-                                     def_->layout().rows[std::size_t(row)].offset);
+                                     def_->layout().offsets[std::size_t(row)]);
     }
 
     bool compare(Attribute const& other) const override { return this == &other; }

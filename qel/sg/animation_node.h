@@ -36,6 +36,7 @@ public:
     void compute(std::uint64_t todo) override;
 
 private:
+    void computeRotation();
     bool isRotation() const { return at<db::EnumAttribute>(OutputMode).raw() == 1; }
     void prepare();
     void prepareKeys();
@@ -45,6 +46,7 @@ private:
 
     alignas(64) Input inputRoom_[1];
     unsigned hint_ = 0;
+    bool isRotationCurve_ = false;
     PreparedCurve curve_;
     std::vector<Qelp::Quat> rotations_;
 };

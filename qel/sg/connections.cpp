@@ -36,6 +36,8 @@ std::uint32_t takePassBit(Node& n, db::Attribute const& a) {
     return bit;
 }
 
+std::uint64_t allInputs(Node const& n) { return n.inputCount >= 64 ? ~0ull : (1ull << n.inputCount) - 1; }
+
 void fixEdge(OutGroup& g, std::size_t e) { g.edges[e].target->places[g.edges[e].input].edge = std::uint32_t(e); }
 void fixInput(Node& n, std::size_t i) { n.inputs[i].source->outputs[n.places[i].group].edges[n.places[i].edge].input = std::uint32_t(i); }
 
@@ -83,7 +85,7 @@ void Scene::attach(db::Attribute& from, db::Attribute& to, Connection* connectio
         fixInput(t, std::size_t(at));
         fixInput(t, last);
     }
-    t.stale = ~0ull;  // places moved; to carry once more is harmless
+    t.stale = allInputs(t);  // places moved; to carry once more is harmless
     from.set(db::Attribute::feeds);
     to.set(db::Attribute::live);
     ++structure_;
@@ -112,9 +114,9 @@ std::pair<std::uint32_t, std::uint32_t> Scene::detach(db::Attribute& to) {
         fixInput(t, at);
     }
     t.places.pop_back();
-    t.stale = ~0ull;
+    t.stale = allInputs(t);
     dropEmptyGroups(s);
-    if (t.layout().rows[0].def && ownBit(to) == 0) to.clear(db::Attribute::live);
+    if (ownBit(to) == 0) to.clear(db::Attribute::live);
     ++structure_;
     push(t, to);
     return {gone.edge, std::uint32_t(at)};
