@@ -118,12 +118,13 @@ TEST(Text, CutsToTheLimit) {
     EXPECT_EQ(limited(0, L"abc"), L"");
 }
 
-TEST(Text, WritesAndReadsADecimalPointInEveryLocale) {
-    char const* const names[] = {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "C"};
-    for (char const* name : names)
-        if (std::setlocale(LC_ALL, name)) break;
+TEST(Text, WritesAndReadsADecimalPointInALocaleWithACommaToo) {
+    bool found = false;
+    for (char const* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8", "German"})
+        found = found || std::setlocale(LC_ALL, name);
+    if (!found) GTEST_SKIP() << "no such locale on this machine";
     double value = 0;
-    EXPECT_EQ(format(L"%.2f", 0.5), L"0.50");
+    EXPECT_EQ(format(L"%.2f %g", 0.5, -1e20), L"0.50 -1e+20");
     EXPECT_EQ(number(0.5), "0.5");
     EXPECT_TRUE(parseNumber("0.5", value));
     std::setlocale(LC_ALL, "C");
