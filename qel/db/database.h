@@ -120,12 +120,12 @@ public:
     bool addParentForLoading(Node& child, Node& parent);
     bool setElementIDForLoading(ElementBlock& block, int id);  // false when it is taken; the block keeps what it has
     // Connections belong to the graph above, which saves and restores them through these.
-    struct Connected {
+    struct ConnectionRecord {
         int id;
         Attribute *from, *to;
     };
-    virtual void listConnections(std::vector<Connected>&) const {}
-    virtual bool loadConnection(Connected const&) { return false; }
+    virtual void listConnections(std::vector<ConnectionRecord>&) const {}
+    virtual bool loadConnection(ConnectionRecord const&) { return false; }
     // The type that stands in for one that is not known here, so that its nodes survive a load and a save.
     virtual NodeDef const* unknownNodeDef() const { return nullptr; }
     void removeDynamic(ElementBlock& block);

@@ -8,6 +8,10 @@
 #include "qel/db/layout.h"
 #include <deque>
 
+namespace sg {
+struct Input;
+}
+
 namespace db {
 
 // A type of node: its names, its base, its rows. Types live as long as the program.
@@ -153,7 +157,7 @@ protected:
 
 public:
     std::uint64_t dirty = 0, stale = 0;
-    struct Input* inputs = nullptr;
+    sg::Input* inputs = nullptr;
     std::uint16_t inputCount = 0, inputRoom = 0;
 
 protected:

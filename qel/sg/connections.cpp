@@ -62,7 +62,7 @@ void Connection::onLife(bool removed) {
 }
 
 void Scene::attach(db::Attribute& from, db::Attribute& to, Connection* connection, std::int64_t edge, std::int64_t at) {
-    Node &s = nodeOf(from), &t = nodeOf(to);
+    sg::Node &s = nodeOf(from), &t = nodeOf(to);
     bool const hierarchy = !connection;
     if (!s.groupOf(from, hierarchy)) {
         OutGroup const* other = s.groupOf(from, !hierarchy);
@@ -97,10 +97,10 @@ void Scene::attach(db::Attribute& from, db::Attribute& to, Connection* connectio
 }
 
 std::pair<std::uint32_t, std::uint32_t> Scene::detach(db::Attribute& to) {
-    Node& t = nodeOf(to);
+    sg::Node& t = nodeOf(to);
     std::size_t const at = std::size_t(t.inputOf(to));
-    Node::Place const gone = t.places[at];
-    Node& s = *t.inputs[at].source;
+    sg::Node::Place const gone = t.places[at];
+    sg::Node& s = *t.inputs[at].source;
     OutGroup& g = s.outputs[gone.group];
     if (gone.edge + 1 < g.edges.size()) {
         g.edges[gone.edge] = g.edges.back();
@@ -156,7 +156,7 @@ ConnectionResult Scene::connect(db::Attribute* from, db::Attribute* to, bool rep
 
 bool Scene::disconnectInput(db::Attribute* to) {
     if (!to || to->getDatabase() != this) return false;
-    Node& t = nodeOf(*to);
+    sg::Node& t = nodeOf(*to);
     int const i = t.inputOf(*to);
     if (i < 0 || !t.places[std::size_t(i)].connection) return false;
     noteWrite(*to);
@@ -179,7 +179,7 @@ bool Scene::disconnect(db::Attribute* a) {
 
 db::Attribute* Scene::getInputAttribute(db::Attribute const* to) const {
     if (!to || to->isNode() || !to->has(db::Attribute::live)) return nullptr;
-    Node& t = nodeOf(*to);
+    sg::Node& t = nodeOf(*to);
     int const i = t.inputOf(*to);
     return i >= 0 && t.places[std::size_t(i)].connection ? t.inputs[i].from : nullptr;
 }
@@ -197,7 +197,7 @@ std::size_t Scene::getOutputCount(db::Attribute const* from) const {
 
 void Scene::getAffectingAttributes(db::Attribute const* a, std::vector<db::Attribute*>& out) const {
     if (!a || a->isNode()) return;
-    Node& n = nodeOf(*a);
+    sg::Node& n = nodeOf(*a);
     int const input = n.inputOf(*a);
     if (input >= 0) return out.push_back(n.inputs[input].from);
     std::uint32_t const bit = ownBit(*a);
@@ -214,13 +214,13 @@ bool Scene::hasAffectingAttributes(db::Attribute const* a) const {
 }
 
 void Scene::removeInvalidConnections() {
-    std::vector<Connected> all;
+    std::vector<ConnectionRecord> all;
     listConnections(all);
-    for (Connected const& c : all)
+    for (ConnectionRecord const& c : all)
         if (c.from->isRemoved() || c.to->isRemoved()) disconnectInput(c.to);
 }
 
-void Scene::listConnections(std::vector<Connected>& out) const {
+void Scene::listConnections(std::vector<ConnectionRecord>& out) const {
     std::vector<db::Node*> nodes;
     listNodes(nodes);
     for (db::Node* n : nodes)
@@ -230,7 +230,7 @@ void Scene::listConnections(std::vector<Connected>& out) const {
         }
 }
 
-bool Scene::loadConnection(Connected const& c) {
+bool Scene::loadConnection(ConnectionRecord const& c) {
     bool const sound = c.from && c.to && canCarry(*c.from, *c.to) && !ownBit(*c.to) && nodeOf(*c.to).inputOf(*c.to) < 0 && !wouldCycle(*c.from, *c.to);
     auto* node = sound ? static_cast<Connection*>(createForLoading(Connection::Def, c.id, {}, nullptr, true)) : nullptr;
     if (!node) return false;
@@ -246,24 +246,24 @@ bool Scene::wouldCycle(db::Attribute const& from, db::Attribute const& to) {
     if (&from == &to) return true;
     ++mark_;
     std::vector<Task> up, down;
-    auto fresh = [&](Node& n) {
+    auto fresh = [&](sg::Node& n) {
         if (n.mark != mark_) n.mark = mark_, n.upBits = n.downBits = 0;
     };
-    auto goUp = [&](Node& n, std::uint32_t bits) {
+    auto goUp = [&](sg::Node& n, std::uint32_t bits) {
         fresh(n);
         bits &= ~n.upBits;
         n.upBits |= bits;
         if (bits) up.push_back({&n, bits});
         return (n.upBits & n.downBits) != 0;
     };
-    auto goDown = [&](Node& n, std::uint32_t bits) {
+    auto goDown = [&](sg::Node& n, std::uint32_t bits) {
         fresh(n);
         bits &= ~n.downBits;
         n.downBits |= bits;
         if (bits) down.push_back({&n, bits});
         return (n.upBits & n.downBits) != 0;
     };
-    Node &s = nodeOf(from), &t = nodeOf(to);
+    sg::Node &s = nodeOf(from), &t = nodeOf(to);
     goDown(t, affects(to) | onwardBits(t, to));
     if (ownBit(from)) {
         if (goUp(s, outputBits(from))) return true;

@@ -85,7 +85,7 @@ std::uint32_t affects(db::Attribute const& a) { return a.layout().rows[std::size
 }  // namespace
 
 // `a` of `n` was written.
-void Scene::push(Node& n, db::Attribute& a) {
+void Scene::push(sg::Node& n, db::Attribute& a) {
     std::uint64_t const fresh = affects(a) & ~n.dirty;
     n.dirty |= fresh;
     stack_.clear();
@@ -107,8 +107,8 @@ void Scene::spread() {
 
 void Scene::pushEdges(OutGroup& g) {
     for (Edge const& e : g.edges) {
-        Node& t = *e.target;
-        t.stale |= Node::stateBit(e.input);
+        sg::Node& t = *e.target;
+        t.stale |= sg::Node::stateBit(e.input);
         std::uint64_t const now = t.inputs[e.input].affects & ~t.dirty;
         if (!now) continue;
         t.dirty |= now;
@@ -138,14 +138,14 @@ void Scene::makePlan(OutGroup& g) {
     std::uint32_t const mark = ++mark_;
     std::vector<Task> work;
     auto reach = [&](Edge const& e) {
-        Node& t = *e.target;
+        sg::Node& t = *e.target;
         if (t.mark != mark) {
             t.mark = mark;
             t.planIndex = std::uint32_t(g.plan.steps.size());
             g.plan.steps.push_back({&t, 0, 0});
         }
         Plan::Step& s = g.plan.steps[t.planIndex];
-        s.stale |= Node::stateBit(e.input);
+        s.stale |= sg::Node::stateBit(e.input);
         std::uint64_t const now = t.inputs[e.input].affects & ~s.dirty;
         s.dirty |= now;
         if (now) work.push_back({&t, now});
@@ -164,17 +164,17 @@ void Scene::makePlan(OutGroup& g) {
 
 // ---- chains too deep to recurse into ----
 
-void Scene::updateDeep(Node& root, std::uint64_t bits) {
+void Scene::updateDeep(sg::Node& root, std::uint64_t bits) {
     std::size_t const base = deep_.size();
     deep_.push_back({&root, bits});
     while (deep_.size() > base) {
         Task const task = deep_.back();
-        Node& n = *task.node;
+        sg::Node& n = *task.node;
         std::uint64_t const todo = n.dirty & task.bits;
         std::size_t const before = deep_.size();
         for (std::size_t i = 0; todo && i < n.inputCount; ++i) {
             Input const& in = n.inputs[i];
-            if ((n.stale & Node::stateBit(i)) && (in.affects & todo) && (in.source->dirty & in.sourceBits))
+            if ((n.stale & sg::Node::stateBit(i)) && (in.affects & todo) && (in.source->dirty & in.sourceBits))
                 deep_.push_back({in.source, in.sourceBits});
         }
         if (deep_.size() > before) continue;

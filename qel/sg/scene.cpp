@@ -9,14 +9,14 @@ Scene::~Scene() { destruct(); }
 
 db::NodeDef const* Scene::unknownNodeDef() const { return &UnknownNode::Def; }
 
-Node* Scene::makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace) {
+sg::Node* Scene::makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace) {
     db::NodeDef const* def = db::Registry::getInstance().getNodeDef(nameSpace, type);
     if (!def || def == &Connection::Def) return nullptr;
-    return static_cast<Node*>(createNode(*def, name));
+    return static_cast<sg::Node*>(createNode(*def, name));
 }
 
-Node* Scene::findNode(std::wstring const& path, Node const* below) const {
-    if (!below) return static_cast<Node*>(findNodeByPath(path));
+sg::Node* Scene::findNode(std::wstring const& path, sg::Node const* below) const {
+    if (!below) return static_cast<sg::Node*>(findNodeByPath(path));
     db::Node const* at = below;
     std::wstring_view rest = path;
     while (at && !rest.empty()) {
@@ -24,7 +24,7 @@ Node* Scene::findNode(std::wstring const& path, Node const* below) const {
         at = at->findChild(rest.substr(0, bar));
         rest.remove_prefix(std::min(bar + 1, rest.size()));
     }
-    return at == below ? nullptr : static_cast<Node*>(const_cast<db::Node*>(at));
+    return at == below ? nullptr : static_cast<sg::Node*>(const_cast<db::Node*>(at));
 }
 
 namespace {
@@ -92,31 +92,31 @@ void findByPath(Scene const& scene, std::wstring const& pattern, std::vector<Nod
 
 }  // namespace
 
-void Scene::findNodes(std::wstring const& pattern, std::vector<Node*>& out) const {
+void Scene::findNodes(std::wstring const& pattern, std::vector<sg::Node*>& out) const {
     if (pattern.find(L'|') != std::wstring::npos) {
         if (pattern.find_first_of(L"*?") != std::wstring::npos) return findByPath(*this, pattern, out);
-        if (Node* n = findNode(pattern)) out.push_back(n);
+        if (sg::Node* n = findNode(pattern)) out.push_back(n);
         return;
     }
     std::vector<db::Node*> all;
     getDescendents(all);
     for (db::Node* n : all)
-        if (Qelutils::matchesWildcard(n->getNodeName(), pattern)) out.push_back(static_cast<Node*>(n));
+        if (Qelutils::matchesWildcard(n->getNodeName(), pattern)) out.push_back(static_cast<sg::Node*>(n));
 }
 
 db::Attribute* Scene::findAttributeByPath(std::wstring const& path) const {
     // Names of objects may hold dots, so the split between object and attribute is tried at each, the first first.
     for (std::size_t dot = path.find(L'.', path.rfind(L'|') == std::wstring::npos ? 0 : path.rfind(L'|')); dot != std::wstring::npos;
          dot = path.find(L'.', dot + 1))
-        if (Node const* n = findNode(path.substr(0, dot)))
+        if (sg::Node const* n = findNode(path.substr(0, dot)))
             if (db::Attribute* a = n->findAttribute(path.substr(dot + 1))) return a;
     return nullptr;
 }
 
-void Scene::listAllNodes(std::vector<Node*>& out) const {
+void Scene::listAllNodes(std::vector<sg::Node*>& out) const {
     std::vector<db::Node*> nodes;
     listNodes(nodes);
-    for (db::Node* n : nodes) out.push_back(static_cast<Node*>(n));
+    for (db::Node* n : nodes) out.push_back(static_cast<sg::Node*>(n));
 }
 
 void Scene::getPathNames(db::Attribute const& a, std::vector<std::wstring>& out) const {

@@ -31,11 +31,11 @@ public:
     ~Scene() override;
 
     // ---- nodes ----
-    Node* makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace = L"sg");  // null: unknown type
-    Node* findNode(std::wstring const& path, Node const* below = nullptr) const;
-    void findNodes(std::wstring const& pattern, std::vector<Node*>& out) const;  // in the order of the hierarchy
+    sg::Node* makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace = L"sg");  // null: unknown type
+    sg::Node* findNode(std::wstring const& path, sg::Node const* below = nullptr) const;
+    void findNodes(std::wstring const& pattern, std::vector<sg::Node*>& out) const;  // in the order of the hierarchy
     db::Attribute* findAttributeByPath(std::wstring const& path) const;          // "a|b.Local[0].Name"; null for none
-    void listAllNodes(std::vector<Node*>& out) const;                            // connections included, by id
+    void listAllNodes(std::vector<sg::Node*>& out) const;                            // connections included, by id
     void getPathNames(db::Attribute const& a, std::vector<std::wstring>& out) const;  // one for each way from the top
 
     // ---- connections ----
@@ -59,18 +59,18 @@ public:
     // ---- for the nodes ----
     void attach(db::Attribute& from, db::Attribute& to, Connection* connection, std::int64_t edge, std::int64_t input);
     std::pair<std::uint32_t, std::uint32_t> detach(db::Attribute& to);
-    void push(Node& n, db::Attribute& a);
-    void read(Node& n, std::uint64_t bits) { n.update(bits); }
-    void updateDeep(Node& n, std::uint64_t bits);
+    void push(sg::Node& n, db::Attribute& a);
+    void read(sg::Node& n, std::uint64_t bits) { n.update(bits); }
+    void updateDeep(sg::Node& n, std::uint64_t bits);
     void countEvaluation() { ++evaluations_; }
 
-    void listConnections(std::vector<Connected>& out) const override;
-    bool loadConnection(Connected const& c) override;
+    void listConnections(std::vector<ConnectionRecord>& out) const override;
+    bool loadConnection(ConnectionRecord const& c) override;
     db::NodeDef const* unknownNodeDef() const override;
 
 private:
     struct Task {
-        Node* node;
+        sg::Node* node;
         std::uint64_t bits;
     };
     bool wouldCycle(db::Attribute const& from, db::Attribute const& to);
