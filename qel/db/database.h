@@ -105,7 +105,7 @@ public:
     void setLogger(Qelutils::BasicLogger* sink) { logger_ = sink, observers_.setLogger(sink); }
 
     // ---- for the classes of this library and the graph ----
-    void noteWrite(Attribute& a);  // keeps its old value and lists it, once each
+    bool noteWrite(Attribute& a);  // keeps its old value and lists it, once each; false: it is removed
     void record(std::unique_ptr<Edit> edit);
     ChangeSet& changes() { return *set_; }
     bool isReplaying() const { return replaying_; }
@@ -145,6 +145,7 @@ private:
     friend class StringAttribute;
     friend struct StructureEdits;
 
+    void prepareCommit(bool transient);
     void commit(std::wstring const& label, bool transient);
     void storeItem(std::wstring const& label);
     void tell(bool transient);
@@ -154,8 +155,12 @@ private:
     void rollBack(std::size_t from);
     void dropRecords(Record* records, std::size_t count, bool undone);
     void dropItem(UndoItem& item, bool undone);
+    void dropOldest();
+    void dropNewest();
+    void dropDone();
     void dropRedo();
     void trimHistory();
+    std::uint64_t presentState() const { return done_ ? items_[done_ - 1].serial : bottom_; }
     void emptyGraveyard();
 
     // Structure: the steps that edits toggle. None of them records.
@@ -172,7 +177,7 @@ private:
     Node* construct(NodeDef const& def);
     bool areIDsFree(int id, std::size_t count) const;
     void claimIDs(int id, std::size_t count, std::uintptr_t owner);
-    Node* findChildOf(Node const& parent, std::wstring_view name) const;
+    Node* findChildOf(Node const& parent, std::wstring_view name, Node const* except = nullptr) const;
 
     static constexpr int pageBits = 4;  // a block takes whole pages of 16 ids
     static constexpr int firstDatabaseID = 0x7f000000;
@@ -194,6 +199,7 @@ private:
     std::deque<UndoItem> items_;
     std::size_t done_ = 0, maxItems_ = 100000;
     std::uint64_t nextSerial_ = 1, checkpoint_ = 0;
+    std::uint64_t bottom_ = 0;  // the state below the oldest item
     int depth_ = 0, telling_ = 0;
     ChangeMode mode_ = ChangeMode::Recorded;
     bool replaying_ = false, committing_ = false;
