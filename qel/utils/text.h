@@ -35,6 +35,7 @@ bool matchesWildcard(std::wstring_view text, std::wstring_view pattern);
 
 // Of `candidates`, the nearest to `wanted` by edit distance (case aside), at most `count`, none that differ by more
 // than a third of their length: what a message about a typo proposes.
-std::wstring nearestNames(std::wstring const& wanted, std::wstring const* first, std::wstring const* last, int count = 3);
+std::wstring nearestNames(std::wstring const& wanted, std::wstring const* first, std::wstring const* last,
+                          int count = 3);
 
 }  // namespace Qelutils

@@ -1,0 +1,54 @@
+// What one commit changed. It is built by the writes themselves, lent to the observers for the time of the telling, and
+// copies nothing; questions about single attributes are answered from an index that is made when it is first needed.
+#pragma once
+#include "qel/db/node.h"
+
+namespace db {
+
+class ChangeSet {
+public:
+    ChangeSet() = default;
+    ChangeSet(ChangeSet const&) = delete;
+    ChangeSet& operator=(ChangeSet const&) = delete;
+
+    // True when that attribute itself changed; of a node: when it, or an attribute of it, is in the set. `children`:
+    // or something inside it; `connections`: or something that feeds it directly.
+    bool hasChanged(Attribute const* attribute, bool children, bool connections) const;
+    bool hasChanged(Attribute const& attribute, bool children, bool connections) const {
+        return hasChanged(&attribute, children, connections);
+    }
+    bool hasTypeChanged(int typeID) const { return !ChangedNodes(typeID).empty(); }
+
+    std::vector<Attribute*> const& ChangedAttributes() const { return attributes_; }
+    std::vector<Attribute*> const& RemovedAttributes() const { return removedAttributes_; }
+    std::vector<Node*> const& ChangedNodes() const { return nodes_; }
+    std::vector<Node*> const& ChangedNodes(int typeID) const;  // of exactly that type, each once, by id
+    std::vector<Node*> const& AddedNodes() const { return added_; }
+    std::vector<Node*> const& RemovedNodes() const { return removed_; }
+    std::vector<Node*> const& RenamedNodes() const { return renamed_; }
+    std::vector<Node*> const& ReparentedNodes() const { return reparented_; }
+    bool empty() const;
+
+    // ---- for the database and the graph while the set is built ----
+    void addAttribute(Attribute& a);  // once each, by its flag; lists its node too
+    void addNode(Node& n);
+    void addRemovedAttribute(Attribute& a) { removedAttributes_.push_back(&a); }
+    void addAdded(Node& n) { added_.push_back(&n), addNode(n); }
+    void addRemoved(Node& n) { removed_.push_back(&n), addNode(n); }
+    void addRenamed(Node& n) { renamed_.push_back(&n), addNode(n); }
+    void addReparented(Node& n) { reparented_.push_back(&n), addNode(n); }
+    void close();  // clears the flags of all that is listed: the set is complete
+    void reset();
+    bool holds(Attribute const& a) const {
+        return std::find(attributes_.begin(), attributes_.end(), &a) != attributes_.end();
+    }
+
+private:
+    std::vector<Attribute*> attributes_, removedAttributes_;
+    std::vector<Node*> nodes_, added_, removed_, renamed_, reparented_;
+    mutable std::vector<Attribute const*> sorted_;
+    mutable std::unordered_map<int, std::vector<Node*>> byType_;
+    mutable bool isSorted_ = false, isGrouped_ = false;
+};
+
+}  // namespace db

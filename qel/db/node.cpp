@@ -1,0 +1,320 @@
+#include "qel/db/node.h"
+#include "qel/db/database.h"
+#include "qel/db/edits.h"
+
+namespace db {
+
+Slot* Slot::make(Node* node, bool removed) {
+    static auto& slots = *new std::deque<Slot>;  // outlives every handle, those in static objects included
+    return &slots.emplace_back(Slot{node, removed ? 1u : 0u});
+}
+
+Node::Node(NodeDef const& def) : CompoundAttribute({}, AttributeType::Node), def_(&def) { place_.child = this; }
+
+Node::~Node() {
+    if (slot_) slot_->die();
+    if (dynamics_)
+        for (ElementBlock* b : *dynamics_) ElementBlock::destroy(b);
+    for (ChildLink* l = place_.nextParent; l;) {
+        ChildLink* const next = l->nextParent;
+        delete l;
+        l = next;
+    }
+}
+
+Slot* Node::getAnchor() const {
+    if (!slot_) slot_ = Slot::make(const_cast<Node*>(this), removed_);
+    return slot_;
+}
+
+// ---- hierarchy ----
+
+Node* Node::getParent(std::size_t i) const {
+    ChildLink const* l = &place_;
+    for (; l && i > 0; --i) l = l->nextParent;
+    return l && l->parent && !l->parent->isDatabase() ? l->parent : nullptr;
+}
+
+std::size_t Node::getParentCount() const {
+    if (!getParent()) return 0;
+    std::size_t count = 1;
+    for (ChildLink const* l = place_.nextParent; l; l = l->nextParent) ++count;
+    return count;
+}
+
+Node* Node::getChild(std::size_t i) const {
+    if (i >= childCount_) return nullptr;
+    if (i == 0) return firstChild_->child;
+    if (!childIndex_) {
+        childIndex_ = std::make_unique<std::vector<Node*>>();
+        childIndex_->reserve(childCount_);
+        for (ChildLink const* l = firstChild_; l; l = l->next) childIndex_->push_back(l->child);
+    }
+    return (*childIndex_)[i];
+}
+
+Node* Node::findChild(std::wstring_view name) const { return database_->findChildOf(*this, name); }
+
+void Node::getDescendents(std::vector<Node*>& out) const {
+    std::vector<ChildLink const*> stack;
+    std::unordered_map<Node const*, bool> seen;  // only of nodes that can be met twice
+    if (firstChild_) stack.push_back(firstChild_);
+    while (!stack.empty()) {
+        ChildLink const* l = stack.back();
+        stack.pop_back();
+        if (l->next) stack.push_back(l->next);
+        if (l->child->place_.nextParent && !seen.emplace(l->child, true).second) continue;
+        out.push_back(l->child);
+        if (l->child->firstChild_) stack.push_back(l->child->firstChild_);
+    }
+}
+
+bool Node::canBeParentOf(Node const& child) const {
+    if (&child == this || child.isDatabase() || child.database_ != database_ || !supportsChildren() ||
+        child.isNotAnObject())
+        return false;
+    for (ChildLink const* l = &child.place_; l; l = l->nextParent)
+        if (l->parent == this) return false;
+    std::vector<Node const*> above{this};
+    for (std::size_t i = 0; i < above.size(); ++i)  // a node with several parents may be met twice; that is harmless
+        for (ChildLink const* l = &above[i]->place_; l && l->parent; l = l->nextParent) {
+            if (l->parent == &child) return false;
+            if (!l->parent->isDatabase()) above.push_back(l->parent);
+        }
+    return true;
+}
+
+bool Node::addChild(Node& child) {
+    if (removed_ || child.removed_ || !canBeParentOf(child)) return false;
+    if (child.place_.parent == database_) {
+        database_->moveNode(child, *this);
+        return true;
+    }
+    auto* link = new ChildLink{&child, this, nullptr, nullptr, nullptr, 0};
+    auto edit = std::make_unique<StructureEdits::ExtraParent>(link, false);
+    edit->after = &child.place_;
+    while (edit->after->nextParent) edit->after = edit->after->nextParent;
+    edit->putIn(*database_);
+    database_->changes().addReparented(child);
+    database_->record(std::move(edit));
+    return true;
+}
+
+bool Node::removeChild(Node& child) {
+    ChildLink* l = &child.place_;
+    while (l && l->parent != this) l = l->nextParent;
+    if (!l || removed_ || isDatabase()) return false;
+    if (l == &child.place_ && !l->nextParent) {
+        database_->moveNode(child, *database_);
+        return true;
+    }
+    // The next parent becomes the primary one; the child keeps its place there.
+    ChildLink* extra = l == &child.place_ ? l->nextParent : l;
+    Node* const heir = extra->parent;
+    ChildLink* const before = extra->next;
+    auto edit = std::make_unique<StructureEdits::ExtraParent>(extra, true);
+    edit->takeOut(*database_);
+    database_->record(std::move(edit));
+    if (l == &child.place_) {
+        database_->record(std::make_unique<StructureEdits::Place>(child));
+        database_->unlink(child.place_);
+        database_->link(child.place_, *heir, before);
+    }
+    database_->changes().addReparented(child);
+    return true;
+}
+
+std::wstring Node::getPath() const {
+    std::vector<Node const*> chain;
+    std::size_t length = 0;
+    for (Node const* n = this; n && !n->isDatabase(); n = n->place_.parent)
+        chain.push_back(n), length += n->getNodeName().size() + 1;
+    std::wstring path;
+    path.reserve(length);
+    for (std::size_t i = chain.size(); i-- > 0;) {
+        path += chain[i]->getNodeName();
+        if (i > 0) path += L'|';
+    }
+    return path;
+}
+
+// ---- dynamic attributes ----
+
+DynamicDef::DynamicDef(AttributeType type, std::wstring name_, double const* initial, std::wstring text_,
+                       double minimum, double maximum) :
+    name(std::move(name_)),
+    text(std::move(text_)) {
+    def = row::array(0, name.c_str(), type);
+    def.initialText = text.c_str();
+    if (type == AttributeType::Quaternion) def.initial[3] = 1;
+    for (int i = 0; initial && i < 4; ++i) def.initial[i] = initial[i];
+    def.minimum = minimum;
+    def.maximum = maximum;
+    def.flags = FlagAnimatable;
+    layout = std::make_unique<Layout const>(std::vector<AttributeDef const*>{&def}, sizeof(ElementBlock));
+}
+
+Attribute* Node::addDynamic(AttributeType type, std::wstring const& name, double const* initial,
+                            std::wstring const& text, double minimum, double maximum) {
+    bool const plain = type != AttributeType::None && !isCompoundType(type) && type != AttributeType::Node &&
+                       type != AttributeType::AttributeArray;
+    if (!plain || name.empty() || removed_ || findAttribute(name)) return nullptr;
+    auto* dynamic = new DynamicDef(type, name, initial, text, minimum, maximum);
+    ElementBlock* block = ElementBlock::make(*this, *dynamic->layout, nullptr, dynamic);
+    if (!dynamics_) dynamics_ = std::make_unique<std::vector<ElementBlock*>>();
+    block->index = std::uint32_t(dynamics_->size());
+    auto edit = std::make_unique<StructureEdits::Dynamic>(*this, *block, false);
+    edit->toggle(*database_);
+    database_->record(std::move(edit));
+    return &block->attribute();
+}
+
+namespace {
+
+struct Four {
+    double v[4];
+};
+Four one(double x) { return {{x, 0, 0, 0}}; }
+Four three(Qelp::Vector3 const& x) { return {{x.x, x.y, x.z, 0}}; }
+
+void setMatrix(Attribute* a, Qelp::Matrix34 const& m) {
+    if (a && a->isMatrix34()) a->asMatrix34()->raw() = m;
+}
+
+}  // namespace
+
+Attribute* Node::addDynamicBool(std::wstring const& name, bool v) {
+    return addDynamic(AttributeType::Boolean, name, one(v).v);
+}
+Attribute* Node::addDynamicInt(std::wstring const& name, int v, int low, int high) {
+    return addDynamic(AttributeType::Integer, name, one(v).v, {}, low, high);
+}
+Attribute* Node::addDynamicFloat(std::wstring const& name, float v, float low, float high) {
+    return addDynamic(AttributeType::Float, name, one(v).v, {}, low, high);
+}
+Attribute* Node::addDynamicString(std::wstring const& name, std::wstring const& v) {
+    return addDynamic(AttributeType::String, name, nullptr, v);
+}
+Attribute* Node::addDynamicVector3(std::wstring const& name, Qelp::Vector3 const& v) {
+    return addDynamic(AttributeType::Vector3, name, three(v).v);
+}
+Attribute* Node::addDynamicMatrix34(std::wstring const& name, Qelp::Matrix34 const& v) {
+    Attribute* a = addDynamic(AttributeType::Matrix, name);
+    setMatrix(a, v);
+    return a;
+}
+Attribute* Node::addDynamicBoolArray(std::wstring const& name, bool v) {
+    return addDynamic(AttributeType::BooleanArray, name, one(v).v);
+}
+Attribute* Node::addDynamicIntArray(std::wstring const& name, int v, int low, int high) {
+    return addDynamic(AttributeType::IntegerArray, name, one(v).v, {}, low, high);
+}
+Attribute* Node::addDynamicFloatArray(std::wstring const& name, float v, float low, float high) {
+    return addDynamic(AttributeType::FloatArray, name, one(v).v, {}, low, high);
+}
+Attribute* Node::addDynamicStringArray(std::wstring const& name, std::wstring const& v) {
+    return addDynamic(AttributeType::StringArray, name, nullptr, v);
+}
+Attribute* Node::addDynamicVector3Array(std::wstring const& name, Qelp::Vector3 const& v) {
+    return addDynamic(AttributeType::Vector3Array, name, three(v).v);
+}
+Attribute* Node::addDynamicMatrix34Array(std::wstring const& name, Qelp::Matrix34 const&) {
+    return addDynamic(AttributeType::MatrixArray, name);
+}
+
+void Node::getDynamicAttributes(std::vector<Attribute*>& out) const {
+    if (dynamics_)
+        for (ElementBlock* b : *dynamics_) out.push_back(&b->attribute());
+}
+
+// ---- elements ----
+
+ElementBlock* ElementBlock::make(Node& node, Layout const& layout, AttributeArray* array, DynamicDef* dynamic) {
+    void* memory = ::operator new(layout.size, std::align_val_t(16));
+    auto* block = new (memory) ElementBlock{&node, &layout, array, dynamic};
+    layout.construct(static_cast<char*>(memory), true);
+    block->firstID = node.getDatabase()->takeIDs(layout.rows.size(), block, true);
+    return block;
+}
+
+void ElementBlock::destroy(ElementBlock* block) {
+    if (block->slot) block->slot->die();
+    block->node->getDatabase()->releaseIDs(block->firstID, block);
+    block->layout->destruct(reinterpret_cast<char*>(block));
+    delete block->dynamic;
+    block->~ElementBlock();
+    ::operator delete(static_cast<void*>(block), std::align_val_t(16));
+}
+
+void ElementBlock::setRemoved(bool on) {
+    removed = on;
+    if (slot) slot->generation = (slot->generation & ~1u) | (on ? 1u : 0u);
+}
+
+AttributeArray::~AttributeArray() {
+    if (elements_)
+        for (ElementBlock* e : *elements_) ElementBlock::destroy(e);
+}
+
+Attribute* AttributeArray::insert(unsigned index, bool) {
+    if (index > size()) return nullptr;
+    ElementBlock* e = ElementBlock::make(node(), elementLayout(), this, nullptr);
+    splice(index, 0, {e});
+    return &e->attribute();
+}
+
+bool AttributeArray::removeAt(std::size_t index) {
+    if (index >= size()) return false;
+    splice(index, 1, {});
+    return true;
+}
+
+void AttributeArray::resize(std::size_t count) {
+    std::size_t const now = size();
+    if (count < now) return splice(count, now - count, {});
+    std::vector<ElementBlock*> added;
+    for (std::size_t i = now; i < count; ++i)
+        added.push_back(ElementBlock::make(node(), elementLayout(), this, nullptr));
+    if (!added.empty()) splice(now, 0, std::move(added));
+}
+
+void AttributeArray::splice(std::size_t at, std::size_t removed, std::vector<ElementBlock*> inserted) {
+    std::size_t const count = inserted.size();
+    auto edit = std::make_unique<StructureEdits::Elements>(*this, at, count, exchangeElements(at, removed, inserted));
+    edit->list(getDatabase()->changes());
+    getDatabase()->record(std::move(edit));
+}
+
+std::vector<ElementBlock*> AttributeArray::exchangeElements(std::size_t at, std::size_t removed,
+                                                            std::vector<ElementBlock*> const& inserted) {
+    if (!elements_) elements_ = std::make_unique<std::vector<ElementBlock*>>();
+    auto& v = *elements_;
+    auto const first = v.begin() + long(at);
+    std::vector<ElementBlock*> out(first, first + long(removed));
+    v.insert(v.erase(first, first + long(removed)), inserted.begin(), inserted.end());
+    for (ElementBlock* e : out) e->setRemoved(true);
+    for (ElementBlock* e : inserted) e->setRemoved(false);
+    for (std::size_t i = at; i < v.size(); ++i) v[i]->index = std::uint32_t(i);
+    afterWrite();
+    return out;
+}
+
+bool AttributeArray::compare(Attribute const& other) const {
+    AttributeArray const* o = other.asAttributeArray();
+    if (!o || o->size() != size()) return false;
+    for (std::size_t i = 0; i < size(); ++i)
+        if (!getElement(i)->compare(*o->getElement(i))) return false;
+    return true;
+}
+
+bool AttributeArray::assign(Attribute const& other) {
+    AttributeArray const* o = other.asAttributeArray();
+    if (!o || o->elementLayout().rows[0].def->type != elementLayout().rows[0].def->type) return false;
+    if (o == this) return true;
+    resize(o->size());
+    bool all = true;
+    for (std::size_t i = 0; i < size(); ++i) all &= getElement(i)->assign(*o->getElement(i));
+    return all;
+}
+
+}  // namespace db
