@@ -135,7 +135,8 @@ public:
 
 private:
     XMatrix& setRow(int row, XVector3 const& value);
-    XMatrix& setRotation(QelMatrix4 const& value);
+    XMatrix& setRow(int row, float x, float y, float z);
+    XMatrix& setRows(float const (&rows)[4][4]);
 
     Qelp::Matrix34 _value;
 };

@@ -48,6 +48,9 @@ template<class Object> union XUndefinedStorage {
     ~XUndefinedStorage() {}
     Object value;
 };
+namespace detail {
+template<class Object> inline XUndefinedStorage<Object> undefined;
+}
 
 class XObject {
 public:
@@ -221,5 +224,7 @@ private:
     XDatabase* _database = nullptr;
     sg::NodeHandle _node;
 };
+
+inline XObject const& XObject::Undefined = detail::undefined<XObject>.value;
 
 }  // namespace Tavo

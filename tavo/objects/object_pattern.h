@@ -30,7 +30,6 @@ namespace Tavo {
 
 namespace detail {
 XObject objectByID(XDatabase* database, int id);  // a null database gives an invalid handle
-template<class Object> inline XUndefinedStorage<Object> undefined;
 }  // namespace detail
 
 template<class Object> class XTypedDef;
