@@ -13,9 +13,7 @@ namespace Tavo {
 
 class XAnimation : public XTyped<XAnimation, XObject, sg::AnimationNode> {
 public:
-    struct Point {
-        float x = 0, y = 0;
-    };
+    using Point = sg::CurvePoint;
     enum Mode { FloatOutputMode = 0, RotationOutputMode = 1 };
 
     static constexpr XWord TypeID = L"Animation", DefaultName = L"animation";

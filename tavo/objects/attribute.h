@@ -11,8 +11,7 @@
 //
 // Values are in internal units: metres, kilograms, radians, seconds.
 #pragma once
-#include "qel/db/value_attributes.h"
-#include "qel/sg/handle.h"
+#include "qel/sg/node.h"
 #include "qel/utils/vector.h"
 #include "tavo/app/word.h"
 #include "tavo/objects/matrix.h"

@@ -8,17 +8,12 @@
 // A plain XObject behaves like its true type where it matters (deletion, renaming, initialisation): those operations
 // make the typed handle for the call through the type's definition.
 #pragma once
-#include "qel/db/node.h"
-#include "qel/sg/handle.h"
+#include "qel/sg/node.h"
 #include "qel/utils/vector.h"
 #include "tavo/app/word.h"
 #include <string>
 #include <string_view>
 #include <vector>
-
-namespace sg {
-class Node;
-}
 
 namespace Tavo {
 
@@ -72,8 +67,8 @@ public:
     // ---- identity ----
     int ObjectID() const;  // of the node, also while it is removed; InvalidID without a node
     bool IsValid() const { return isValid(); }
-    sg::Node* getNode() const;    // null without a node; a removed one is still returned
-    XDatabase& Database() const;  // XDatabase::Undefined without one
+    sg::Node* getNode() const { return _node.getRef(); }  // null without a node; a removed one is still returned
+    XDatabase& Database() const;                          // XDatabase::Undefined without one
     bool Is(XObject const& other) const { return *this == other; }
     bool operator==(XObject const& other) const { return _node.getRef() == other._node.getRef(); }
     bool operator!=(XObject const& other) const { return !(*this == other); }

@@ -53,9 +53,7 @@ public:
     bool Redo();
     void ClearUndoHistory();
     static bool IsTimingEnabled();
-    void RegisterObserver(sg::SceneObserver* observer);
     void RegisterObserver(db::DatabaseObserver* observer);
-    void UnregisterObserver(sg::SceneObserver* observer);
     void UnregisterObserver(db::DatabaseObserver* observer);
 
     void onDatabaseChangedPreCommit(db::ChangeSet const& changes, bool transient) override;
@@ -74,7 +72,7 @@ private:
     sg::Controller* _controller = nullptr;  // borrowed
 };
 
-class XSceneGraphObserver : public sg::SceneObserver {
+class XSceneGraphObserver : public db::DatabaseObserver {
 public:
     XSceneGraphObserver(XDatabase& owner, XSceneGraph& graph) : _owner(owner), _graph(graph) {}
     void Register();
