@@ -14,8 +14,9 @@ template<class F> auto withClass(AttributeType type, F const& f) {
         return f(static_cast<class_*>(nullptr));
 #define DB_ROW_KINDS(X)                                                                                                \
     X(Int, IntAttribute, Integer)                                                                                      \
-    X(Bool, BoolAttribute, Boolean) X(Enum, EnumAttribute, Enumeration) X(Float, FloatAttribute, Float)                \
-        X(Double, DoubleAttribute, Double) X(String, StringAttribute, String) X(Vector3, Vector3Attribute, Vector3)    \
+    X(Bool, BoolAttribute, Boolean)                                                                                    \
+    X(Enum, EnumAttribute, Enumeration) X(Float, FloatAttribute, Float) X(Double, DoubleAttribute, Double)             \
+        X(String, StringAttribute, String) X(Vector3, Vector3Attribute, Vector3)                                       \
             X(Matrix34, Matrix34Attribute, Matrix) X(Pointer, PointerAttribute, Pointer)                               \
                 X(Quaternion, QuaternionAttribute, Quaternion) X(IntArray, IntArrayAttribute, IntegerArray)            \
                     X(BoolArray, BoolArrayAttribute, BooleanArray) X(EnumArray, EnumArrayAttribute, EnumerationArray)  \

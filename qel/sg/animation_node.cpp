@@ -9,7 +9,9 @@ namespace {
 template<class A> auto const& values(AnimationNode const& n, int row) { return std::as_const(n.at<A>(row)).raw(); }
 
 // Null when it does not hold an element for each key.
-template<class T> T const* dataOf(std::vector<T> const& v, std::size_t count) { return v.size() >= count ? v.data() : nullptr; }
+template<class T> T const* dataOf(std::vector<T> const& v, std::size_t count) {
+    return v.size() >= count ? v.data() : nullptr;
+}
 
 }  // namespace
 
@@ -61,8 +63,8 @@ void AnimationNode::prepare() { update(keysBit); }
 void AnimationNode::compute(std::uint64_t todo) {
     if (todo & keysBit) prepareKeys();
     if ((todo & valueBit) && !isRotationCurve_)
-        at<db::FloatAttribute>(OutputValue).raw() =
-            curve_.evaluate(at<db::FloatAttribute>(InputValue).raw(), hint_, at<db::FloatAttribute>(ExternalValue).raw());
+        at<db::FloatAttribute>(OutputValue).raw() = curve_.evaluate(at<db::FloatAttribute>(InputValue).raw(), hint_,
+                                                                    at<db::FloatAttribute>(ExternalValue).raw());
     if (todo & rotationBit) computeRotation();
     if (todo & boundsBit) computeBounds();
     if (todo & batchBit) computeBatch();
@@ -94,7 +96,8 @@ void AnimationNode::computeBatch() {
     float const external = at<db::FloatAttribute>(ExternalValue).raw();
     out.resize(inputs.size());
     unsigned hint = 0;
-    for (std::size_t i = 0; i < inputs.size(); ++i) out[i] = isRotationCurve_ ? 0 : curve_.evaluate(inputs[i], hint, external);
+    for (std::size_t i = 0; i < inputs.size(); ++i)
+        out[i] = isRotationCurve_ ? 0 : curve_.evaluate(inputs[i], hint, external);
 }
 
 // ---- evaluation by callers ----
@@ -134,7 +137,9 @@ float AnimationNode::computePostGradient() {
 bool AnimationNode::getInputTangentControlPoint(int rank, float& out) {
     prepare();
     CurvePoint p;
-    if (isRotationCurve_ || rank < 0 || unsigned(rank) >= curve_.count() || !curve_.inputTangentControlPoint(unsigned(rank), p)) return false;
+    if (isRotationCurve_ || rank < 0 || unsigned(rank) >= curve_.count() ||
+        !curve_.inputTangentControlPoint(unsigned(rank), p))
+        return false;
     out = p.y;
     return true;
 }
@@ -142,7 +147,9 @@ bool AnimationNode::getInputTangentControlPoint(int rank, float& out) {
 bool AnimationNode::getOutputTangentControlPoint(int rank, float& out) {
     prepare();
     CurvePoint p;
-    if (isRotationCurve_ || rank < 0 || unsigned(rank) >= curve_.count() || !curve_.outputTangentControlPoint(unsigned(rank), p)) return false;
+    if (isRotationCurve_ || rank < 0 || unsigned(rank) >= curve_.count() ||
+        !curve_.outputTangentControlPoint(unsigned(rank), p))
+        return false;
     out = p.y;
     return true;
 }

@@ -39,7 +39,9 @@ std::uint32_t takePassBit(Node& n, db::Attribute const& a) {
 std::uint64_t allInputs(Node const& n) { return n.inputCount >= 64 ? ~0ull : (1ull << n.inputCount) - 1; }
 
 void fixEdge(OutGroup& g, std::size_t e) { g.edges[e].target->places[g.edges[e].input].edge = std::uint32_t(e); }
-void fixInput(Node& n, std::size_t i) { n.inputs[i].source->outputs[n.places[i].group].edges[n.places[i].edge].input = std::uint32_t(i); }
+void fixInput(Node& n, std::size_t i) {
+    n.inputs[i].source->outputs[n.places[i].group].edges[n.places[i].edge].input = std::uint32_t(i);
+}
 
 // Groups are dropped from the back only: places hold their numbers.
 void dropEmptyGroups(Node& n) {
@@ -56,8 +58,10 @@ void dropEmptyGroups(Node& n) {
 }  // namespace
 
 void Connection::onLife(bool removed) {
-    if (removed) std::tie(edge, input) = graph().detach(*to);
-    else graph().attach(*from, *to, this, edge, input);
+    if (removed)
+        std::tie(edge, input) = graph().detach(*to);
+    else
+        graph().attach(*from, *to, this, edge, input);
     graph().changes().addAttribute(*to);
 }
 
@@ -129,18 +133,21 @@ void Scene::refuse(wchar_t const* why, db::Attribute const* from, db::Attribute 
     std::vector<std::wstring> f, t;
     if (from) getPathNames(*from, f);
     if (to) getPathNames(*to, t);
-    std::wstring const text = Qelutils::format(L"Unable to connect \"%s\" to \"%s\": %s", f.empty() ? L"" : f[0].c_str(), t.empty() ? L"" : t[0].c_str(), why);
+    std::wstring const text = Qelutils::format(L"Unable to connect \"%s\" to \"%s\": %s",
+                                               f.empty() ? L"" : f[0].c_str(), t.empty() ? L"" : t[0].c_str(), why);
     logger()->Log(Qelutils::BasicLogger::Error, text);
 }
 
 ConnectionResult Scene::connect(db::Attribute* from, db::Attribute* to, bool replace, bool quiet) {
     auto refused = [&](ConnectionResult r, wchar_t const* why) { return refuse(why, from, to, quiet), r; };
-    if (!from || !to || from->isRemoved() || to->isRemoved() || from->getDatabase() != this || to->getDatabase() != this)
+    if (!from || !to || from->isRemoved() || to->isRemoved() || from->getDatabase() != this ||
+        to->getDatabase() != this)
         return refused(MissingAttribute, L"an end of the connection does not exist in this scene");
     if (getInputAttribute(to) == from) return AlreadyConnected;
     if (!canCarry(*from, *to)) return refused(KindsDiffer, L"their kinds differ");
     int const taken = nodeOf(*to).inputOf(*to);
-    if (ownBit(*to) || (to->isString() && to->asString()->isNodeName()) || (taken >= 0 && !nodeOf(*to).places[std::size_t(taken)].connection))
+    if (ownBit(*to) || (to->isString() && to->asString()->isNodeName()) ||
+        (taken >= 0 && !nodeOf(*to).places[std::size_t(taken)].connection))
         return refused(NotConnectable, L"the target is computed by its object");
     if (taken >= 0 && !replace) return refused(InputTaken, L"the target already has an input");
     if (wouldCycle(*from, *to)) return refused(WouldMakeCycle, L"the connection would close a cycle");
@@ -231,7 +238,8 @@ void Scene::listConnections(std::vector<ConnectionRecord>& out) const {
 }
 
 bool Scene::loadConnection(ConnectionRecord const& c) {
-    bool const sound = c.from && c.to && canCarry(*c.from, *c.to) && !ownBit(*c.to) && nodeOf(*c.to).inputOf(*c.to) < 0 && !wouldCycle(*c.from, *c.to);
+    bool const sound = c.from && c.to && canCarry(*c.from, *c.to) && !ownBit(*c.to) &&
+                       nodeOf(*c.to).inputOf(*c.to) < 0 && !wouldCycle(*c.from, *c.to);
     auto* node = sound ? static_cast<Connection*>(createForLoading(Connection::Def, c.id, {}, nullptr, true)) : nullptr;
     if (!node) return false;
     node->from = c.from;
@@ -282,7 +290,9 @@ bool Scene::wouldCycle(db::Attribute const& from, db::Attribute const& to) {
         for (OutGroup const& g : d.node->outputs)
             for (std::size_t e = 0; (g.bit & d.bits) && e < g.edges.size(); ++e) {
                 Edge const& edge = g.edges[e];
-                if (edge.target->inputs[edge.input].to == &from || goDown(*edge.target, edge.target->inputs[edge.input].affects)) return true;
+                if (edge.target->inputs[edge.input].to == &from ||
+                    goDown(*edge.target, edge.target->inputs[edge.input].affects))
+                    return true;
             }
     }
     return false;

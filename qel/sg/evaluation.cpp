@@ -13,11 +13,11 @@ bool isNumber(AttributeType t) { return t >= AttributeType::Integer && t <= Attr
 
 double readNumber(db::Attribute const& a) {
     switch (a.getAttributeType()) {
-        case AttributeType::Integer: return a.asInt()->raw();
-        case AttributeType::Boolean: return a.asBool()->raw() ? 1 : 0;
-        case AttributeType::Enumeration: return a.asEnum()->raw();
-        case AttributeType::Float: return double(a.asFloat()->raw());
-        default: return a.asDouble()->raw();
+    case AttributeType::Integer: return a.asInt()->raw();
+    case AttributeType::Boolean: return a.asBool()->raw() ? 1 : 0;
+    case AttributeType::Enumeration: return a.asEnum()->raw();
+    case AttributeType::Float: return double(a.asFloat()->raw());
+    default: return a.asDouble()->raw();
     }
 }
 
@@ -29,11 +29,11 @@ int toInt(double x) {
 
 void writeNumber(db::Attribute& a, double x) {
     switch (a.getAttributeType()) {
-        case AttributeType::Integer: a.asInt()->raw() = toInt(x); break;
-        case AttributeType::Boolean: a.asBool()->raw() = x != 0; break;
-        case AttributeType::Enumeration: a.asEnum()->raw() = toInt(x); break;
-        case AttributeType::Float: a.asFloat()->raw() = float(x); break;
-        default: a.asDouble()->raw() = x; break;
+    case AttributeType::Integer: a.asInt()->raw() = toInt(x); break;
+    case AttributeType::Boolean: a.asBool()->raw() = x != 0; break;
+    case AttributeType::Enumeration: a.asEnum()->raw() = toInt(x); break;
+    case AttributeType::Float: a.asFloat()->raw() = float(x); break;
+    default: a.asDouble()->raw() = x; break;
     }
 }
 
@@ -44,22 +44,22 @@ template<class A> bool carryAs(db::Attribute const& from, db::Attribute& to) {
 
 bool carrySame(db::Attribute const& from, db::Attribute& to) {
     switch (to.getAttributeType()) {
-        case AttributeType::Matrix: return carryAs<db::Matrix34Attribute>(from, to);
-        case AttributeType::Vector3: return carryAs<db::Vector3Attribute>(from, to);
-        case AttributeType::Quaternion: return carryAs<db::QuaternionAttribute>(from, to);
-        case AttributeType::String: return carryAs<db::StringAttribute>(from, to);
-        case AttributeType::Pointer: return carryAs<db::PointerAttribute>(from, to);
-        case AttributeType::IntegerArray: return carryAs<db::IntArrayAttribute>(from, to);
-        case AttributeType::BooleanArray: return carryAs<db::BoolArrayAttribute>(from, to);
-        case AttributeType::EnumerationArray: return carryAs<db::EnumArrayAttribute>(from, to);
-        case AttributeType::FloatArray: return carryAs<db::FloatArrayAttribute>(from, to);
-        case AttributeType::DoubleArray: return carryAs<db::DoubleArrayAttribute>(from, to);
-        case AttributeType::StringArray: return carryAs<db::StringArrayAttribute>(from, to);
-        case AttributeType::Vector3Array: return carryAs<db::Vector3ArrayAttribute>(from, to);
-        case AttributeType::MatrixArray: return carryAs<db::Matrix34ArrayAttribute>(from, to);
-        case AttributeType::PointerArray: return carryAs<db::PointerArrayAttribute>(from, to);
-        case AttributeType::QuaternionArray: return carryAs<db::QuaternionArrayAttribute>(from, to);
-        default: return false;
+    case AttributeType::Matrix: return carryAs<db::Matrix34Attribute>(from, to);
+    case AttributeType::Vector3: return carryAs<db::Vector3Attribute>(from, to);
+    case AttributeType::Quaternion: return carryAs<db::QuaternionAttribute>(from, to);
+    case AttributeType::String: return carryAs<db::StringAttribute>(from, to);
+    case AttributeType::Pointer: return carryAs<db::PointerAttribute>(from, to);
+    case AttributeType::IntegerArray: return carryAs<db::IntArrayAttribute>(from, to);
+    case AttributeType::BooleanArray: return carryAs<db::BoolArrayAttribute>(from, to);
+    case AttributeType::EnumerationArray: return carryAs<db::EnumArrayAttribute>(from, to);
+    case AttributeType::FloatArray: return carryAs<db::FloatArrayAttribute>(from, to);
+    case AttributeType::DoubleArray: return carryAs<db::DoubleArrayAttribute>(from, to);
+    case AttributeType::StringArray: return carryAs<db::StringArrayAttribute>(from, to);
+    case AttributeType::Vector3Array: return carryAs<db::Vector3ArrayAttribute>(from, to);
+    case AttributeType::MatrixArray: return carryAs<db::Matrix34ArrayAttribute>(from, to);
+    case AttributeType::PointerArray: return carryAs<db::PointerArrayAttribute>(from, to);
+    case AttributeType::QuaternionArray: return carryAs<db::QuaternionArrayAttribute>(from, to);
+    default: return false;
     }
 }
 
@@ -72,8 +72,10 @@ bool canCarry(db::Attribute const& from, db::Attribute const& to) {
 }
 
 void carryAny(db::Attribute const& from, db::Attribute& to) {
-    if (isNumber(to.getAttributeType())) writeNumber(to, readNumber(from));
-    else carrySame(from, to);
+    if (isNumber(to.getAttributeType()))
+        writeNumber(to, readNumber(from));
+    else
+        carrySame(from, to);
 }
 
 // ---- marking what lies downstream ----

@@ -40,7 +40,8 @@ void Node::callCompute(db::Attribute& a) {
     if (std::uint32_t const bits = outputBits(a)) {
         dirty |= std::uint32_t(1) << a.getDef().outputBit;
         update(bits);
-    } else refreshValue(a);
+    } else
+        refreshValue(a);
 }
 
 // All sources are up to date: take over and compute.
@@ -48,8 +49,10 @@ void Node::finish(std::uint64_t todo) {
     std::uint64_t seen = 0, kept = 0;
     for (std::size_t i = 0; i < inputCount; ++i) {
         if (!(stale & stateBit(i))) continue;
-        if (inputs[i].affects & todo) carry(*inputs[i].from, *inputs[i].to), seen |= stateBit(i);
-        else kept |= stateBit(i);
+        if (inputs[i].affects & todo)
+            carry(*inputs[i].from, *inputs[i].to), seen |= stateBit(i);
+        else
+            kept |= stateBit(i);
     }
     stale &= ~(seen & ~kept);
     dirty &= ~todo;

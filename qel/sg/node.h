@@ -77,7 +77,9 @@ public:
     void refreshValue(db::Attribute& a) override;
     void onRemove() override;
 
-    static std::uint64_t stateBit(std::size_t input) { return 1ull << (input < 63 ? input : 63); }  // many share the last
+    static std::uint64_t stateBit(std::size_t input) {
+        return 1ull << (input < 63 ? input : 63);
+    }  // many share the last
     inline void update(std::uint64_t bits, int depth = 0);
     void finish(std::uint64_t todo);
     std::size_t addInput(Input const& input);
@@ -89,8 +91,8 @@ public:
         Connection* connection;     // null of an edge of the hierarchy
     };
     std::vector<OutGroup> outputs;
-    std::vector<Place> places;       // one per input
-    std::uint32_t passBits = 0;      // bits given to plain attributes that are connected and feed others
+    std::vector<Place> places;   // one per input
+    std::uint32_t passBits = 0;  // bits given to plain attributes that are connected and feed others
     std::uint32_t mark = 0, planIndex = 0, upBits = 0, downBits = 0;  // scratch of searches
 
 protected:
@@ -106,7 +108,8 @@ void carryAny(db::Attribute const& from, db::Attribute& to);
 inline void carry(db::Attribute const& from, db::Attribute& to) {
     if (from.isFloat() && to.isFloat()) [[likely]]
         static_cast<db::FloatAttribute&>(to).raw() = static_cast<db::FloatAttribute const&>(from).raw();
-    else carryAny(from, to);
+    else
+        carryAny(from, to);
 }
 bool canCarry(db::Attribute const& from, db::Attribute const& to);
 

@@ -1,3 +1,4 @@
+// clang-format off: each row of a table is a line
 // The tables of all node types: number, name, kind, default, unit, what depends on it. The numbers are a contract with
 // everything that reaches attributes by number; gaps are filled by reserved attributes. One file, in the order of
 // derivation, because a type is made from its base.

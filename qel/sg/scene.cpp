@@ -53,13 +53,17 @@ public:
         std::vector<bool> next(parts_.size() + 1);
         for (std::size_t i = 0; i < parts_.size(); ++i) {
             if (!state[i]) continue;
-            if (parts_[i] == L"**") next[i] = true;
-            else if (Qelutils::matchesWildcard(name, parts_[i])) next[i + 1] = true;
+            if (parts_[i] == L"**")
+                next[i] = true;
+            else if (Qelutils::matchesWildcard(name, parts_[i]))
+                next[i + 1] = true;
         }
         return close(std::move(next));
     }
     bool accepts(std::vector<bool> const& state) const { return state.back(); }
-    bool isDead(std::vector<bool> const& state) const { return std::find(state.begin(), state.end(), true) == state.end(); }
+    bool isDead(std::vector<bool> const& state) const {
+        return std::find(state.begin(), state.end(), true) == state.end();
+    }
 
 private:
     std::vector<bool> close(std::vector<bool> state) const {  // "**" may stand for no level at all
@@ -106,8 +110,8 @@ void Scene::findNodes(std::wstring const& pattern, std::vector<sg::Node*>& out) 
 
 db::Attribute* Scene::findAttributeByPath(std::wstring const& path) const {
     // Names of objects may hold dots, so the split between object and attribute is tried at each, the first first.
-    for (std::size_t dot = path.find(L'.', path.rfind(L'|') == std::wstring::npos ? 0 : path.rfind(L'|')); dot != std::wstring::npos;
-         dot = path.find(L'.', dot + 1))
+    for (std::size_t dot = path.find(L'.', path.rfind(L'|') == std::wstring::npos ? 0 : path.rfind(L'|'));
+         dot != std::wstring::npos; dot = path.find(L'.', dot + 1))
         if (sg::Node const* n = findNode(path.substr(0, dot)))
             if (db::Attribute* a = n->findAttribute(path.substr(dot + 1))) return a;
     return nullptr;
@@ -129,8 +133,10 @@ void Scene::getPathNames(db::Attribute const& a, std::vector<std::wstring>& out)
     db::Node const& n = a.node();
     bool severalWays = false;
     for (db::Node const* up = &n; up && !severalWays; up = up->getParent()) severalWays = up->getParentCount() > 1;
-    if (severalWays) climb(&n, {});
-    else paths.push_back(n.getPath());
+    if (severalWays)
+        climb(&n, {});
+    else
+        paths.push_back(n.getPath());
     std::wstring const local = a.getLocalPathName();
     for (std::wstring& p : paths) out.push_back(local.empty() ? p : p + L"." + local);
 }

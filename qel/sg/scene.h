@@ -16,36 +16,39 @@ namespace sg {
 enum ConnectionResult : int {
     AlreadyConnected = -1,
     Connected = 0,
-    MissingAttribute,   // an end is missing, removed, or of another scene
-    KindsDiffer,        // no conversion between the kinds
-    InputTaken,         // and `replace` was not given
+    MissingAttribute,  // an end is missing, removed, or of another scene
+    KindsDiffer,       // no conversion between the kinds
+    InputTaken,        // and `replace` was not given
     WouldMakeCycle,
-    NotConnectable,     // the target is computed by its node
+    NotConnectable,  // the target is computed by its node
 };
 
 class Scene : public db::Database {
 public:
+    using Node = sg::Node;  // not the one of the database
     static inline std::wstring const ClassID = L"Scene";
 
     explicit Scene(std::wstring const& name = {});
     ~Scene() override;
 
     // ---- nodes ----
-    sg::Node* makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace = L"sg");  // null: unknown type
+    sg::Node* makeNode(std::wstring const& type, std::wstring const& name,
+                       std::wstring const& nameSpace = L"sg");  // null: unknown type
     sg::Node* findNode(std::wstring const& path, sg::Node const* below = nullptr) const;
     void findNodes(std::wstring const& pattern, std::vector<sg::Node*>& out) const;  // in the order of the hierarchy
-    db::Attribute* findAttributeByPath(std::wstring const& path) const;          // "a|b.Local[0].Name"; null for none
-    void listAllNodes(std::vector<sg::Node*>& out) const;                            // connections included, by id
+    db::Attribute* findAttributeByPath(std::wstring const& path) const;  // "a|b.Local[0].Name"; null for none
+    void listAllNodes(std::vector<sg::Node*>& out) const;                // connections included, by id
     void getPathNames(db::Attribute const& a, std::vector<std::wstring>& out) const;  // one for each way from the top
 
     // ---- connections ----
     // The value of `from` flows into `to` from now on. A message goes to the log where it is refused.
     ConnectionResult connect(db::Attribute* from, db::Attribute* to, bool replace = true, bool quiet = false);
-    bool disconnect(db::Attribute* a);          // inputs and outputs; false when there were none
-    bool disconnectInput(db::Attribute* to);    // the last value stays
+    bool disconnect(db::Attribute* a);        // inputs and outputs; false when there were none
+    bool disconnectInput(db::Attribute* to);  // the last value stays
     bool disconnectOutputs(db::Attribute* from);
     db::Attribute* getInputAttribute(db::Attribute const* to) const;  // what feeds it directly, or null
-    void getOutputAttributes(db::Attribute const* from, std::vector<db::Attribute*>& out) const;  // in order of connecting
+    void getOutputAttributes(db::Attribute const* from,
+                             std::vector<db::Attribute*>& out) const;  // in order of connecting
     std::size_t getOutputCount(db::Attribute const* from) const;
     // What its value is made of, one step back: the source that feeds it, or the inputs of its node that affect it.
     void getAffectingAttributes(db::Attribute const* a, std::vector<db::Attribute*>& out) const;
@@ -80,7 +83,7 @@ private:
     void makePlan(OutGroup& g);
     void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
 
-    std::uint64_t structure_ = 1;    // moves on with each connection made or broken
+    std::uint64_t structure_ = 1;  // moves on with each connection made or broken
     std::uint64_t evaluations_ = 0;
     std::vector<Task> stack_, deep_;
     std::uint32_t mark_ = 0;

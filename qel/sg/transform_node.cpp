@@ -9,7 +9,8 @@ void TransformBaseNode::compute(std::uint64_t todo) {
     Qelp::Matrix34& local = at<db::Matrix34Attribute>(LocalMatrix).raw();
     if (todo & localBit) computeLocal(local);
     if (todo & worldBit)
-        at<db::Matrix34Attribute>(WorldMatrix).raw() = Qelutils::multiply(local, at<db::Matrix34Attribute>(ParentWorldMatrix).raw());
+        at<db::Matrix34Attribute>(WorldMatrix).raw() =
+            Qelutils::multiply(local, at<db::Matrix34Attribute>(ParentWorldMatrix).raw());
 }
 
 void TransformBaseNode::onPlaceChanged(bool linked) {
@@ -21,7 +22,8 @@ void TransformBaseNode::onPlaceChanged(bool linked) {
         return;
     }
     Node* parent = getParent();
-    if (parent && parent->isOfType(TransformBaseNode::Def)) graph().attach(parent->at<db::Attribute>(WorldMatrix), parentWorld, nullptr, -1, -1);
+    if (parent && parent->isOfType(TransformBaseNode::Def))
+        graph().attach(parent->at<db::Attribute>(WorldMatrix), parentWorld, nullptr, -1, -1);
 }
 
 TransformInputs TransformNode::getInputs() {

@@ -30,7 +30,7 @@ public:
     void onPlaceChanged(bool linked) override;
 
 protected:
-    virtual void prepare() {}                              // `preparedBit`: what seldom changes
+    virtual void prepare() {}  // `preparedBit`: what seldom changes
     virtual void computeLocal(Qelp::Matrix34& /*local*/) {}
 
 private:
@@ -72,7 +72,7 @@ private:
     void readRest(TransformInputs& in) const;
     float real(int row) const { return at<db::FloatAttribute>(row).raw(); }
 
-    TransformInputs rest_;   // all but translation and rotation
+    TransformInputs rest_;  // all but translation and rotation
 };
 
 }  // namespace sg

@@ -4,8 +4,25 @@
 namespace sg {
 
 enum AttributeUnit : int {
-    Dimensionless = 0, External, Linear, Velocity, Acceleration, Angular, AngularVelocity, AngularAcceleration, Time,
-    Mass, Density, Force, Torque, Stiffness, Damping, AngularStiffness, AngularDamping, Framerate, Filename,
+    Dimensionless = 0,
+    External,
+    Linear,
+    Velocity,
+    Acceleration,
+    Angular,
+    AngularVelocity,
+    AngularAcceleration,
+    Time,
+    Mass,
+    Density,
+    Force,
+    Torque,
+    Stiffness,
+    Damping,
+    AngularStiffness,
+    AngularDamping,
+    Framerate,
+    Filename,
 };
 
 // How angles are counted where an operation offers the choice.

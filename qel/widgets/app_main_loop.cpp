@@ -37,15 +37,18 @@ void AppMainLoop::addTimerClient(AppMainLoopTimerClient* client) {
 void AppMainLoop::removeTimerClient(AppMainLoopTimerClient* client) {
     auto const it = std::find(clients_.begin(), clients_.end(), client);
     if (it == clients_.end()) return;
-    if (ticking_) *it = nullptr;
-    else clients_.erase(it);
+    if (ticking_)
+        *it = nullptr;
+    else
+        clients_.erase(it);
 }
 
 void AppMainLoop::tick() {
     if (!ticking_)
-        std::stable_sort(clients_.begin(), clients_.end(), [](AppMainLoopTimerClient const* a, AppMainLoopTimerClient const* b) {
-            return a->getAppMainLoopTickPriority() < b->getAppMainLoopTickPriority();
-        });
+        std::stable_sort(clients_.begin(), clients_.end(),
+                         [](AppMainLoopTimerClient const* a, AppMainLoopTimerClient const* b) {
+                             return a->getAppMainLoopTickPriority() < b->getAppMainLoopTickPriority();
+                         });
     ++ticking_;
     for (std::size_t i = 0, count = clients_.size(); i < count; ++i)
         if (clients_[i]) clients_[i]->onAppMainLoopTick();
