@@ -1,5 +1,7 @@
 #include "plugins/bvh/analysis.h"
 
+#include "plugins/bvh/lexical.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -8,16 +10,13 @@
 namespace bvh {
 namespace {
 
-constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
-bool sameWord(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
-
-// For sentences: three significant digits.
+// For sentences: about three digits, without an exponent for all sizes a figure may have.
 std::string rounded(double value) {
     char digits[32];
-    return {digits, std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 3).ptr};
+    bool const usual = value >= 0.1 && value < 1e9;
+    int const precision = !usual ? 3 : value >= 100 ? 0 : value >= 10 ? 1 : 2;
+    auto const format = usual ? std::chars_format::fixed : std::chars_format::general;
+    return {digits, std::to_chars(digits, digits + sizeof digits, value, format, precision).ptr};
 }
 
 std::string counted(int count, std::string const& what) {
@@ -239,10 +238,11 @@ Size measure(Clip const& clip) {
 UnitGuess guessUnit(Clip const& clip) {
     Size const size = measure(clip);
     double const byRoot = std::fabs(size.rootHeight) / hipsOfHeight;
-    bool const restTells = size.height > 0 && (fitUnits(size.height).fitting > 0 || byRoot == 0);
-    bool const rootTells = byRoot > 0 && fitUnits(byRoot).fitting > 0;
-    std::string const rest = "The rest pose is " + rounded(size.height) + " units high";
-    if (size.height > 0 && (restTells || !rootTells)) return explain(fitUnits(size.height), rest);
+    bool const restFits = size.height > 0 && fitUnits(size.height).fitting > 0;
+    bool const rootFits = byRoot > 0 && fitUnits(byRoot).fitting > 0;
+    if (size.height > 0 && (restFits || !rootFits)) {
+        return explain(fitUnits(size.height), "The rest pose is " + rounded(size.height) + " units high");
+    }
     if (byRoot > 0) {
         return explain(fitUnits(byRoot), "The root moves " + rounded(std::fabs(size.rootHeight)) +
                                              " units above the ground, which makes a figure of about " +

@@ -1,6 +1,6 @@
 #include "plugins/bvh/reader.h"
 
-#include "plugins/bvh/number.h"
+#include "plugins/bvh/lexical.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,12 +14,6 @@
 
 namespace bvh {
 namespace {
-
-constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
-bool sameWord(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
 
 int channelOf(std::string_view word) {
     auto const found =

@@ -1,6 +1,6 @@
 #include "plugins/bvh/writer.h"
 
-#include "plugins/bvh/number.h"
+#include "plugins/bvh/lexical.h"
 #include "plugins/bvh/reader.h"
 
 #include <algorithm>

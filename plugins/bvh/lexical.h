@@ -1,14 +1,20 @@
-// The numbers of a motion block: plain decimals, millions of them. Inside this folder only.
+// The letters of the format: blanks, words without regard to case, and the numbers of a motion block, which are plain
+// decimals, millions of them. Inside this folder only.
 #pragma once
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <string_view>
 #include <system_error>
 
 namespace bvh {
 
 constexpr bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 constexpr bool isDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
+
+// Equal but for the case of ASCII letters.
+bool sameWord(std::string_view a, std::string_view b);
 
 // Frame times outside are taken for damage: their inverse is no frame rate.
 inline constexpr double shortestFrameTime = 1e-6;

@@ -1,4 +1,6 @@
-#include "plugins/bvh/number.h"
+#include "plugins/bvh/lexical.h"
+
+#include <algorithm>
 
 namespace bvh {
 namespace {
@@ -13,6 +15,10 @@ bool isTiny(char const* p, char const* end) {
 }
 
 }  // namespace
+
+bool sameWord(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+}
 
 char const* parseAny(char const* p, char const* end, double& value) {
     bool const negative = p != end && *p == '-';
