@@ -86,10 +86,12 @@ def skeleton():
         joints += [(side + "Shoulder", "Chest", (4 * s, 12, 2)), (side + "Arm", side + "Shoulder", (14 * s, 0, -2)),
                    (side + "ForeArm", side + "Arm", (28 * s, 0, 0)), (side + "Hand", side + "ForeArm", (25 * s, 0, 0)),
                    (side + "Thumb", side + "Hand", (3 * s, -1, 4)), (side + "Thumb1", side + "Thumb", (4 * s, 0, 2)),
-                   (side + "Fingers", side + "Hand", (9 * s, 0, 0)), (side + "Fingers1", side + "Fingers", (4 * s, 0, 0))]
+                   (side + "Fingers", side + "Hand", (9 * s, 0, 0)),
+                   (side + "Fingers1", side + "Fingers", (4 * s, 0, 0))]
         ends[side + "Thumb1"], ends[side + "Fingers1"] = (3 * s, 0, 1), (4.5 * s, 0, 0)
     for side, s in (("Left", 1), ("Right", -1)):
-        joints += [(side + "UpLeg", "Hips", (HIP_SIDE * s, -HIP_DROP, 0)), (side + "Leg", side + "UpLeg", (0, -THIGH, 0)),
+        joints += [(side + "UpLeg", "Hips", (HIP_SIDE * s, -HIP_DROP, 0)),
+                   (side + "Leg", side + "UpLeg", (0, -THIGH, 0)),
                    (side + "Foot", side + "Leg", (0, -SHIN, 0)), (side + "Toe", side + "Foot", (0, *BALL))]
         ends[side + "Toe"] = (0, -1.5, 7)
     return joints, ends
@@ -153,7 +155,7 @@ def wave(cycles, degrees, shift=0.0, times=1):
 
 
 def hips(cycles):
-    """Lowest when both feet are on the ground, over the foot that bears weight, the leading side turned ahead, the free one lower."""
+    """Lowest when both feet are on the ground, over the one that bears weight; leading side ahead, free one low."""
     place = [wave(cycles, 1.8, 0.31), 89.3 - wave(cycles, 1.7, 0.06, 2), cycles * STRIDE + wave(cycles, 0.8, 0.2, 2)]
     return place, euler(wave(cycles, 3, 0.33), 2.0, wave(cycles, -5, 0.02))
 
@@ -269,7 +271,7 @@ def places(joints, row):
 
 def check(joints, rows):
     """Heels, soles and balls that bear weight stay where they are, within a twentieth of a millimetre."""
-    before = {}
+    first = {}
     for frame, row in enumerate(rows):
         at, turned = places(joints, row)
         for side, s in (("Left", 1), ("Right", -1)):
@@ -278,9 +280,9 @@ def check(joints, rows):
             for what, pivot in (("heel", HEEL), ("ball", BALL)):
                 spot = add(at[side + "Foot"], apply(turned[side + "Foot"], (0, *pivot)))
                 bears = (what, pivot) in pivots
-                old = before.get((side, what))
+                old = first.get((side, what))
                 assert not (bears and old) or length(subtract(spot, old)) < 0.005, (frame, side, what, spot, old)
-                before[side, what] = spot if bears else None
+                first[side, what] = (old or spot) if bears else None
 
 
 def motion(joints):

@@ -119,12 +119,12 @@ Fit fitUnits(double height) {
 }
 
 UnitGuess explain(Fit const& fit, std::string const& what) {
-    UnitGuess guess{fit.best->unit, fit.height, fit.fitting == 1, {}};
+    UnitGuess guess{fit.best->unit, fit.height, fit.fitting == 1 && fit.others.empty(), {}};
     std::string const name = fit.best->plural;
     std::string const metres = rounded(fit.height) + " m";
     if (guess.certain) {
         guess.reason = what + "; only in " + name + " is that a human (" + metres + ").";
-    } else if (fit.fitting > 1) {
+    } else if (fit.fitting > 0) {
         guess.reason = what + "; in " + name + " that is a human of " + metres +
                        ". Other units would do as well: " + fit.others.substr(2) + ". The most usual one is taken.";
     } else {
@@ -174,9 +174,9 @@ double medianOfColumn(Clip const& clip, int column) {
 
 // Frame rate ----------------------------------------------------------------------------------------------------------
 
-constexpr std::array<double, 19> usualRates{
-    10,  12,  12.5, 15, 24000.0 / 1001, 24, 25, 30000.0 / 1001, 30, 48, 50, 60000.0 / 1001, 60, 72, 90,
-    100, 120, 200,  240};
+// Television's rates differ from the whole ones by a thousandth: only enough digits tell them apart.
+constexpr std::array<double, 16> usualRates{10, 12, 12.5, 15, 24, 25, 30, 48, 50, 60, 72, 90, 100, 120, 200, 240};
+constexpr std::array<double, 3> televisionRates{24000.0 / 1001, 30000.0 / 1001, 60000.0 / 1001};
 
 // Half a unit of the last digit written, in seconds; as good as nothing for a text with an exponent or without point.
 double roundingOf(std::string_view text) {
@@ -312,16 +312,16 @@ std::vector<RepeatedName> repeatedNames(Clip const& clip) {
 
 double frameRate(Clip const& clip) {
     double const rate = 1 / clip.frameTime;
-    double const rounding = roundingOf(clip.frameTimeText);
-    auto const meant = [&](double candidate) {
-        return candidate >= 1 && std::fabs(1 / candidate - clip.frameTime) <= rounding * 1.001;
-    };
+    double const rounding = roundingOf(clip.frameTimeText) * 1.001;
     double best = 0;
-    for (double const usual : usualRates) {
-        if (meant(usual) && std::fabs(usual - rate) < std::fabs(best - rate)) best = usual;
-    }
-    if (best > 0) return best;
-    return meant(std::round(rate)) ? std::round(rate) : rate;
+    auto const consider = [&](double candidate) {
+        bool const meant = candidate >= 1 && std::fabs(1 / candidate - clip.frameTime) <= rounding;
+        if (meant && std::fabs(candidate - rate) < std::fabs(best - rate)) best = candidate;
+    };
+    std::for_each(usualRates.begin(), usualRates.end(), consider);
+    if (best == 0) std::for_each(televisionRates.begin(), televisionRates.end(), consider);
+    if (best == 0) consider(std::round(rate));
+    return best == 0 ? rate : best;
 }
 
 }  // namespace bvh

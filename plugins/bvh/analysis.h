@@ -83,8 +83,9 @@ std::vector<RepeatedName> repeatedNames(Clip const& clip);
 
 // Frame rate ----------------------------------------------------------------------------------------------------------
 
-// Frames per second. Files round the frame time (".0083333"): a usual rate, or else a whole number, that rounds to the
-// very digits written is taken for what was meant; otherwise it is the plain inverse.
+// Frames per second. Files round the frame time (".0083333"): the rate that rounds to the very digits written is taken
+// for what was meant, a usual one first, then one of television's (29.97), then any whole one; else it is the plain
+// inverse.
 double frameRate(Clip const& clip);
 
 }  // namespace bvh

@@ -153,7 +153,8 @@ private:
     bool noNumber(bool unreadable) {
         std::string_view const text = word();
         if (text.empty()) return fail(at_, "the file ends where a number should stand");
-        bool const tooLarge = unreadable && isDigit(text[text.find_first_not_of("+-.") % text.size()]);
+        std::size_t const sign = text[0] == '-' || text[0] == '+';
+        bool const tooLarge = unreadable && text.size() > sign && isDigit(text[sign]);
         return fail(at_, excerpt(text) + (tooLarge ? " is too large for a number" : " is not a number"));
     }
 
