@@ -178,7 +178,8 @@ private:
     void removeNode(Node& n);
     void removeSingle(Node& n);
     void renameNode(Node& n, std::wstring const& wanted);
-    void moveNode(Node& n, Node& parent);
+    void giveName(Node& n, std::wstring name);
+    void moveNode(Node& n, Node& parent, ChildLink* before);
     void destroy(Node& n);
     void retire(Node& n);
     void free(Node& n);

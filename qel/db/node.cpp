@@ -98,7 +98,7 @@ bool Node::isAncestorOf(Node const& n) const {
 bool Node::addChild(Node& child) {
     if (removed_ || child.removed_ || !canBeParentOf(child)) return false;
     if (child.place_.parent == database_) {
-        database_->moveNode(child, *this);
+        database_->moveNode(child, *this, nullptr);
         return true;
     }
     auto* link = new ChildLink{&child, this, nullptr, nullptr, nullptr, 0};
@@ -116,7 +116,7 @@ bool Node::removeChild(Node& child) {
     while (l && l->parent != this) l = l->nextParent;
     if (!l || removed_ || child.removed_ || isDatabase()) return false;
     if (l == &child.place_ && !l->nextParent) {
-        database_->moveNode(child, *database_);
+        database_->moveNode(child, *database_, nullptr);
         return true;
     }
     // The next parent becomes the primary one; the child keeps its place there.
@@ -126,12 +126,8 @@ bool Node::removeChild(Node& child) {
     auto edit = std::make_unique<StructureEdits::ExtraParent>(extra, true);
     edit->takeOut(*database_);
     database_->record(std::move(edit));
-    if (l == &child.place_) {
-        database_->record(std::make_unique<StructureEdits::Place>(child));
-        database_->unlink(child.place_);
-        database_->link(child.place_, *heir, before);
-    }
     database_->changes().addReparented(child);
+    if (l == &child.place_) database_->moveNode(child, *heir, before);
     return true;
 }
 

@@ -1,7 +1,8 @@
 // A node: a named set of attributes in one block of memory, with a place in the hierarchy. What all nodes of a type
 // share is its NodeDef, made from the type's table.
 //
-// A node may have several parents; the first is its primary one, which gives it its path and its siblings. A removed
+// A node may have several parents; the first is its primary one, which gives it its path and its siblings. Among those
+// its name is unique; under a further parent it need not be, and there a lookup prefers the parent's own. A removed
 // node keeps its id and its values until no step of the history refers to it.
 #pragma once
 #include "qel/db/array_attributes.h"

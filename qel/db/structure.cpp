@@ -182,17 +182,12 @@ void Database::setRemoved(Node& n, bool removed) {
     n.onLife(removed);
 }
 
-void Database::moveNode(Node& n, Node& parent) {
+void Database::moveNode(Node& n, Node& parent, ChildLink* before) {
     record(std::make_unique<StructureEdits::Place>(n));
     unlink(n.place_);
-    std::wstring const name = makeUniqueName(&parent, n.getNodeName());
-    if (name != n.getNodeName()) {
-        noteWrite(n.nameAttribute());
-        n.nameAttribute().raw() = name;
-        set_->addRenamed(n);
-    }
-    link(n.place_, parent, nullptr);
+    link(n.place_, parent, before);
     set_->addReparented(n);
+    giveName(n, makeUniqueName(&parent, n.getNodeName(), &n));
 }
 
 // ---- removal ----
@@ -238,21 +233,24 @@ void Database::clear() {
 
 Node* Database::findChildOf(Node const& parent, std::wstring_view name, Node const* except) const {
     if (name.empty()) return nullptr;
-    auto same = [&](int id) {
+    Node* further = nullptr;  // the first that has this one as a further parent
+    auto isChild = [&](int id) {
         Node* n = reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
         if (n == except || n->getNodeName() != name) return false;
-        for (ChildLink const* l = &n->place_; l; l = l->nextParent)
-            if (l->parent == &parent) return true;
+        if (n->place_.parent == &parent) return true;
+        for (ChildLink const* l = n->place_.nextParent; l; l = l->nextParent)
+            if (l->parent == &parent && (!further || id < further->firstID_)) further = n;
         return false;
     };
-    int const id = names_.find(NameTable::hash(parent.firstID_, name), same);
-    return id < 0 ? nullptr : reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
+    int const id = names_.find(NameTable::hash(parent.firstID_, name), isChild);
+    return id < 0 ? further : reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
 }
 
 std::wstring Database::makeUniqueName(Node const* parent, std::wstring const& wanted, Node const* except) {
     Node const& p = parent ? *parent : *this;
     auto taken = [&](std::wstring const& name) { return findChildOf(p, name, except) != nullptr; };
     if (!taken(wanted)) return wanted;
+    if (except) stems_.release(p.firstID_, except->getNodeName());  // does not stand in its own way
     return wanted +
            std::to_wstring(stems_.take(p.firstID_, wanted, [&](int k) { return taken(wanted + std::to_wstring(k)); }));
 }
@@ -270,8 +268,10 @@ void Database::reindexName(Node& n, std::wstring& name) {
 }
 
 void Database::renameNode(Node& n, std::wstring const& wanted) {
-    if (n.getNodeName() == wanted || n.removed_) return;
-    std::wstring name = makeUniqueName(n.place_.parent, wanted, &n);
+    if (!n.removed_ && n.getNodeName() != wanted) giveName(n, makeUniqueName(n.place_.parent, wanted, &n));
+}
+
+void Database::giveName(Node& n, std::wstring name) {
     if (name == n.getNodeName()) return;
     noteWrite(n.nameAttribute());
     reindexName(n, name);
