@@ -112,8 +112,10 @@ void Database::commitTransient() {
     endChangeBlock({});
 }
 
+bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
+
 bool Database::noteWrite(Attribute& a) {
-    if (a.isRemoved()) return false;
+    if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
     if (!a.has(Attribute::recorded)) {
         journal_.push_back({&a, a.remember()});
         a.set(Attribute::recorded);
