@@ -10,6 +10,9 @@ namespace {
 Node& nodeOf(db::Attribute const& a) { return static_cast<Node&>(a.node()); }
 
 bool hasWorld(db::Node const& n) { return n.isOfType(TransformBaseNode::Def); }
+db::Attribute const* parentWorldOf(Node const& n) {
+    return hasWorld(n) ? &n.at<db::Attribute>(TransformBaseNode::ParentWorldMatrix) : nullptr;
+}
 
 class CycleSearch {
 public:
@@ -62,6 +65,7 @@ private:
         if (&a == &to_) return true;
         Node& n = nodeOf(a);
         if (std::uint32_t const bits = outputBits(a)) return goUp(n, bits);
+        if (&a == parentWorldOf(n) && goUpToParents(n)) return true;
         int const i = n.inputOf(a);
         if (i < 0 || n.places[std::size_t(i)].upMark == mark_) return false;
         n.places[std::size_t(i)].upMark = mark_;
@@ -87,10 +91,13 @@ private:
         if (!s.bits) return goUpTo(*s.node->inputs[s.node->inputOf(*s.plain)].from);
         for (std::size_t i = 0; i < s.node->inputCount; ++i)
             if ((s.node->inputs[i].affects & s.bits) && goUpTo(*s.node->inputs[i].from)) return true;
-        if (!(s.bits & TransformBaseNode::worldBit) || !hasWorld(*s.node)) return false;
-        for (std::size_t i = 1; i < s.node->getParentCount(); ++i)
-            if (hasWorld(*s.node->getParent(i)) &&
-                goUpTo(s.node->getParent(i)->at<db::Attribute>(TransformBaseNode::WorldMatrix)))
+        return (s.bits & TransformBaseNode::worldBit) && parentWorldOf(*s.node) && goUpToParents(*s.node);
+    }
+    // The primary parent's matrix comes along an edge, as a rule.
+    bool goUpToParents(Node& n) {
+        for (std::size_t i = 1; i < n.getParentCount(); ++i)
+            if (hasWorld(*n.getParent(i)) &&
+                goUpTo(n.getParent(i)->at<db::Attribute>(TransformBaseNode::WorldMatrix)))
                 return true;
         return false;
     }
@@ -102,8 +109,7 @@ private:
                 if (goDownInto(*g.edges[e].target, g.edges[e].input)) return true;
         for (std::size_t i = 0; passesOnWorld(s) && i < s.node->getChildCount(); ++i) {
             Node& child = *s.node->getChild(i);
-            if (child.getParent() != s.node && hasWorld(child) && goDown(child, TransformBaseNode::worldBit))
-                return true;
+            if (child.getParent() != s.node && hasWorld(child) && goDownFrom(*parentWorldOf(child))) return true;
         }
         return false;
     }
