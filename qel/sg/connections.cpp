@@ -230,7 +230,8 @@ db::Attribute* Scene::inputOfCompound(db::CompositeAttribute const& to) const {
     for (std::size_t i = 0; i < to.getAttributeCount(); ++i) {
         db::Attribute const* from = getInputAttribute(to.getAttribute(i));
         db::Attribute* above = from ? from->getParentAttribute() : nullptr;
-        if (!above || !above->isCompound() || above->isNode() || from->getIndex() != int(i) || (whole && above != whole))
+        if (!above || !above->isCompound() || above->isNode() || from->getIndex() != int(i) ||
+            (whole && above != whole))
             return nullptr;
         whole = above;
     }

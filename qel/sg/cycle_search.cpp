@@ -96,8 +96,7 @@ private:
     // The primary parent's matrix comes along an edge, as a rule.
     bool goUpToParents(Node& n) {
         for (std::size_t i = 1; i < n.getParentCount(); ++i)
-            if (hasWorld(*n.getParent(i)) &&
-                goUpTo(n.getParent(i)->at<db::Attribute>(TransformBaseNode::WorldMatrix)))
+            if (hasWorld(*n.getParent(i)) && goUpTo(n.getParent(i)->at<db::Attribute>(TransformBaseNode::WorldMatrix)))
                 return true;
         return false;
     }

@@ -76,7 +76,8 @@ bool canCarry(db::Attribute const& from, db::Attribute const& to) {
     AttributeType const f = from.getAttributeType(), t = to.getAttributeType();
     if (isNumber(f) && isNumber(t)) return true;
     if (from.isCompound() && to.isCompound()) return haveLikeChildren(*from.asComposite(), *to.asComposite());
-    return f == t && f != AttributeType::NodeContainer && f != AttributeType::AttributeArray && f != AttributeType::Node;
+    return f == t && f != AttributeType::NodeContainer && f != AttributeType::AttributeArray &&
+           f != AttributeType::Node;
 }
 
 void carryAny(db::Attribute const& from, db::Attribute& to) {

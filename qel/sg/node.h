@@ -23,8 +23,8 @@ class Connection;
 // A connected input, beside the node that reads it.
 struct Input {
     // `affects` holds, above the outputs, what is particular to this input:
-    static constexpr std::uint32_t passes = 1u << 31;       // its attribute feeds others itself
-    static constexpr std::uint32_t lateStale = 1u << 30;    // stale, of inputs from the 64th on
+    static constexpr std::uint32_t passes = 1u << 31;        // its attribute feeds others itself
+    static constexpr std::uint32_t lateStale = 1u << 30;     // stale, of inputs from the 64th on
     static constexpr std::uint32_t outputs = lateStale - 1;  // the bits of our outputs that depend on it
 
     Node* source;
@@ -117,12 +117,12 @@ public:
     int inputOf(db::Attribute const& to) const;  // -1 when it is not connected
 
     struct Place {
-        std::uint32_t group, edge;  // where the source lists this input
-        Connection* connection;     // null of an edge of the hierarchy
+        std::uint32_t group, edge;               // where the source lists this input
+        Connection* connection;                  // null of an edge of the hierarchy
         std::uint32_t upMark = 0, downMark = 0;  // scratch of searches
     };
     std::vector<OutGroup> outputs;
-    std::vector<Place> places;  // one per input
+    std::vector<Place> places;                                        // one per input
     std::uint32_t mark = 0, planIndex = 0, upBits = 0, downBits = 0;  // scratch of searches
 
 protected:

@@ -26,8 +26,9 @@ public:
 };
 
 constexpr db::AttributeDef sumRows[] = {
-    real(8, L"A").affects(3), real(9, L"B").affects(3),         real(10, L"C").affects(2),
-    real(11, L"Sum").output(0).affects(2), real(12, L"Mix").output(1), real(13, L"Free"),
+    real(8, L"A").affects(3),   real(9, L"B").affects(3),
+    real(10, L"C").affects(2),  real(11, L"Sum").output(0).affects(2),
+    real(12, L"Mix").output(1), real(13, L"Free"),
     integer(14, L"Whole"),
 };
 db::NodeDef const SumNode::Def(L"test", L"Sum", &Node::Def, sumRows, sizeof(SumNode),
@@ -276,7 +277,8 @@ protected:
         if (what < 80) return connect(a, b);
         if (a.slot == 0 || b.slot == 0) return;
         int const s = a.slot / 2 * 2, t = b.slot / 2 * 2;  // mostly joints
-        if (s == 0 || t == 0 || !state_.alive[std::size_t(s)] || !state_.alive[std::size_t(t)]) return addChild(a.slot, b.slot);
+        if (s == 0 || t == 0 || !state_.alive[std::size_t(s)] || !state_.alive[std::size_t(t)])
+            return addChild(a.slot, b.slot);
         what < 92 ? addChild(s, t) : removeChild(s, t);
     }
 
@@ -341,7 +343,8 @@ protected:
         std::vector<Value> memo(slots * most);
         for (int s = 0; s < slots; ++s)
             for (int p = 0; state_.alive[std::size_t(s)] && p < countOf(s); ++p) {
-                ASSERT_EQ(read(*attribute({s, p})), state_.evaluate({s, p}, known, memo)) << "slot " << s << " part " << p;
+                ASSERT_EQ(read(*attribute({s, p})), state_.evaluate({s, p}, known, memo))
+                    << "slot " << s << " part " << p;
                 int const from = state_.source[std::size_t(Part{s, p}.index())];
                 ASSERT_EQ(scene_.getInputAttribute(attribute({s, p})), from < 0 ? nullptr : attribute(Part::at(from)));
             }
