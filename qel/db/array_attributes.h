@@ -37,6 +37,13 @@ public:
         s.inserted = inserted;
         s.old = std::move(old);
     }
+    // Whatever happens to the array from here on, undoing brings these values back.
+    void keepWhole(std::vector<T> const& v) {
+        Step& s = steps_.emplace_back();
+        s.splice = s.whole = true;
+        s.inserted = std::size_t(-1);
+        s.old = v;
+    }
     void toggle(std::vector<T>& v) {
         for (std::size_t k = 0; k < steps_.size(); ++k) toggle(steps_[undone_ ? k : steps_.size() - 1 - k], v);
         undone_ = !undone_;
@@ -52,10 +59,11 @@ private:
         std::vector<std::uint32_t> pages;
         std::vector<T> old;
         std::size_t at = 0, inserted = 0;
-        bool splice = false;
+        bool splice = false, whole = false;
     };
     static void toggle(Step& s, std::vector<T>& v) {
         if (!s.splice) return togglePages(s, v);
+        if (s.whole) return v.swap(s.old);
         if (s.at == 0 && s.inserted == v.size()) {  // the whole changes hands, nothing is copied
             s.inserted = s.old.size();
             v.swap(s.old);
@@ -108,7 +116,7 @@ public:
         return none;
     }
     bool setElement(Element value, std::size_t i) {  // false beyond the end
-        if (i >= raw().size() || !beforeWrite()) return false;
+        if (i >= raw().size() || !beginEdit()) return false;
         keepPage(i);
         body_->values[i] = std::move(value);
         afterWrite();
@@ -118,14 +126,14 @@ public:
     void setValue(Element const* values, std::size_t count) { setValue(std::vector<T>(values, values + count)); }
     void add(Element value) { insert(std::move(value), raw().size()); }
     bool insert(Element value, std::size_t i) {  // false beyond the end
-        if (i > raw().size() || !beforeWrite()) return false;
+        if (i > raw().size() || !beginEdit()) return false;
         std::vector<T>& v = body().values;
         v.insert(v.begin() + long(i), T(std::move(value)));
         noteSplice(i, 1, {});
         return true;
     }
     bool removeAt(std::size_t i) override {
-        if (i >= raw().size() || isRemoved()) return false;
+        if (i >= raw().size() || isRemoved() || has(live)) return false;
         splice(i, 1, {});
         return true;
     }
@@ -159,7 +167,17 @@ public:
     void forget(std::uint64_t old) override { delete reinterpret_cast<History*>(old); }
     std::size_t historyBytes(std::uint64_t old) const override { return reinterpret_cast<History*>(old)->bytes(); }
 
+protected:
+    void keepWhole() override {
+        Body& b = body();
+        b.open->keepWhole(b.values);
+        b.kept.clear();
+    }
+
 private:
+    // Steps of the history lean on the values they were made for, so what is computed or flows in is not edited.
+    bool beginEdit() { return !has(live) && beforeWrite(); }
+
     struct Body {
         std::vector<T> values;
         History* open = nullptr;          // of the item being recorded; valid while the flag `recorded` is set
@@ -185,7 +203,7 @@ private:
         afterWrite();
     }
     void splice(std::size_t at, std::size_t removed, std::vector<T> inserted) {
-        if (!beforeWrite()) return;
+        if (!beginEdit()) return;
         std::vector<T>& v = body().values;
         std::size_t const count = inserted.size();
         std::vector<T> out;
