@@ -124,6 +124,16 @@ bool Database::noteWrite(Attribute& a) {
     return true;
 }
 
+bool Database::noteWrite(Attribute& a, std::uint64_t old) {
+    if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
+    if (!a.has(Attribute::recorded)) {
+        journal_.push_back({&a, old});
+        a.set(Attribute::recorded);
+    }
+    set_->addAttribute(a);
+    return true;
+}
+
 void Database::record(std::unique_ptr<Edit> edit) {
     journal_.push_back({nullptr, reinterpret_cast<std::uint64_t>(edit.release())});
 }
