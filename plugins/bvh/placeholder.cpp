@@ -1,1 +1,0 @@
-#include "tavo/tavo.h"
