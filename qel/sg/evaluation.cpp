@@ -151,10 +151,23 @@ void Scene::pushGroup(OutGroup& g) {
         }
         makePlan(g);
     }
-    if (g.plan.pushed == evaluations_ + 1) return;  // nobody has computed anything since
-    for (Plan::Step const& s : g.plan.steps) {
-        s.node->dirty |= s.dirty;
-        s.node->stale |= s.stale;
+    if (!markLogged(g.plan)) markAll(g.plan);
+    if (log_.size() > longLog) forgetLog();
+    g.plan.pushed = evaluations_;
+}
+
+// What nobody has read since the last push still bears its marks, so that one character of a hundred costs what one
+// costs alone. False when the log cannot tell, or when to go through the plan is no more work.
+bool Scene::markLogged(Plan& plan) {
+    std::uint64_t const missed = evaluations_ - plan.pushed;
+    if (!plan.isNumbered || plan.pushed < logStart_ || missed > plan.steps.size() / 2) return false;
+    for (std::size_t i = log_.size() - std::size_t(missed); i < log_.size(); ++i) {
+        sg::Node& n = *log_[i];
+        if (n.planID == 0) continue;
+        plan.isNumbered = n.planID == plan.id;  // otherwise another plan reaches it too
+        if (!plan.isNumbered) return false;
+        n.dirty |= plan.steps[n.planIndex].dirty;
+        n.stale |= plan.steps[n.planIndex].stale;
     }
     for (Edge const& e : g.plan.late) e.target->setStale(e.input);
     g.plan.pushed = evaluations_ + 1;

@@ -11,6 +11,7 @@ Node::Node(db::NodeDef const& def, Input* room, std::size_t count) : db::Node(de
 }
 
 Node::~Node() {
+    if (database_) graph().forgetLog();
     if (inputs != room_) delete[] inputs;
 }
 

@@ -44,7 +44,10 @@ struct Plan {
         Node* node;
         std::uint64_t dirty, stale;
     };
-    std::uint64_t structure = 0, pushed = 0;
+    std::uint64_t structure = 0;
+    std::uint64_t pushed = 0;  // the evaluations until the last push; only what came later lacks marks
+    std::uint32_t id = 0;
+    bool isNumbered = false;  // its nodes bear its id and their places in it
     std::vector<Step> steps;
     std::vector<Edge> late;  // inputs from the 64th on of their nodes
 };
@@ -133,6 +136,9 @@ private:
     template<class Which> void disconnectWhere(Which const& which);
     Input* room_;
 };
+
+// Where a class begins that holds its inputs first and on a cache line of their own.
+inline constexpr std::size_t roomOffset = (sizeof(Node) + 63) / 64 * 64;
 
 // Takes a value over, converting between the kinds of number. The kinds are known to match or convert.
 void carryAny(db::Attribute const& from, db::Attribute& to);

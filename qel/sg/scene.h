@@ -100,6 +100,8 @@ private:
     void queue(sg::Node& n, db::Attribute const& plain);
     void spread();
     void makePlan(OutGroup& g);
+    bool markLogged(Plan& plan);
+    void markAll(Plan& plan);
     void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
 
     std::uint64_t structure_ = 1;  // moves on with each connection made or broken
@@ -132,7 +134,7 @@ inline void Node::update(std::uint64_t bits, int depth) {
     }
     if (stale & lateBit) takeOverLate(todo, depth);
     dirty &= ~todo;
-    graph().countEvaluation();
+    graph().noteEvaluation(*this);
     compute(todo);
 }
 
