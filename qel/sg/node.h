@@ -111,6 +111,7 @@ public:
             inputs[input].affects &= ~Input::lateStale;
     }
     inline void update(std::uint64_t bits, int depth = 0);
+    inline void prefetchSources() const;
     inline void takeOver(Input& input, int depth);
     void takeOverLate(std::uint64_t todo, int depth);
     void refreshPlain(db::Attribute& a, int depth);  // an attribute that is no output
@@ -126,7 +127,8 @@ public:
     };
     std::vector<OutGroup> outputs;
     std::vector<Place> places;                                        // one per input
-    std::uint32_t mark = 0, planIndex = 0, upBits = 0, downBits = 0;  // scratch of searches
+    std::uint32_t mark = 0, upBits = 0, downBits = 0;  // scratch of searches
+    std::uint32_t planID = 0, planIndex = 0;           // the plan made last that reaches this node; 0: none
 
 protected:
     // `room`: inputs that the class holds inside itself, beside its state.
