@@ -3,6 +3,7 @@
 //     using MyTest = StartedApplication;
 //     TEST_F(MyTest, DoesThis) { XObject joint = scene().CreateObject(XJoint::TypeID); ... }
 #pragma once
+#include "qel/utils/text.h"
 #include "tavo/tavo.h"
 #include <cstring>
 #include <gmock/gmock.h>
