@@ -113,6 +113,7 @@ void Database::commitTransient() {
 }
 
 bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
+bool Attribute::noteWrite(std::uint64_t old) { return node().database_->noteWrite(*this, old); }
 
 bool Database::noteWrite(Attribute& a) {
     if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
