@@ -160,7 +160,7 @@ void Scene::pushGroup(OutGroup& g) {
 // costs alone. False when the log cannot tell, or when to go through the plan is no more work.
 bool Scene::markLogged(Plan& plan) {
     std::uint64_t const missed = evaluations_ - plan.pushed;
-    if (!plan.isNumbered || !plan.late.empty() || plan.pushed < logStart_ || missed > plan.steps.size() / 2) return false;
+    if (!plan.isNumbered || plan.pushed < logStart_ || missed > plan.steps.size() / 2) return false;
     for (std::size_t i = log_.size() - std::size_t(missed); i < log_.size(); ++i) {
         sg::Node& n = *log_[i];
         if (n.planID == 0) continue;
@@ -180,12 +180,12 @@ void Scene::markAll(Plan& plan) {
         plan.steps[i].node->dirty |= plan.steps[i].dirty;
         plan.steps[i].node->stale |= plan.steps[i].stale;
     }
-    for (Edge const& e : plan.late) e.target->setStale(e.input);
     for (std::size_t i = 0; !plan.isNumbered && i < count; ++i) {
         plan.steps[i].node->planID = plan.id;
         plan.steps[i].node->planIndex = std::uint32_t(i);
     }
-    plan.isNumbered = true;
+    for (Edge const& e : plan.late) e.target->setStale(e.input);
+    plan.isNumbered = plan.late.empty();  // steps do not tell which of the late inputs are theirs
 }
 
 void Scene::makePlan(OutGroup& g) {
@@ -193,8 +193,8 @@ void Scene::makePlan(OutGroup& g) {
     plan.steps.clear();
     plan.late.clear();
     std::uint32_t const mark = ++mark_;
-    plan.id = ++lastPlanID_;
     std::vector<OutGroup const*> work{&g};
+    plan.id = ++lastPlanID_;
     auto reach = [&](Edge const& e) {
         sg::Node& t = *e.target;
         if (t.mark != mark) {

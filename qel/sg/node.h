@@ -126,7 +126,7 @@ public:
         std::uint32_t upMark = 0, downMark = 0;  // scratch of searches
     };
     std::vector<OutGroup> outputs;
-    std::vector<Place> places;                                        // one per input
+    std::vector<Place> places;                         // one per input
     std::uint32_t mark = 0, upBits = 0, downBits = 0;  // scratch of searches
     std::uint32_t planID = 0, planIndex = 0;           // the plan made last that reaches this node; 0: none
 

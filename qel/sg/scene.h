@@ -89,10 +89,7 @@ public:
     std::unique_ptr<db::Database> makeEmpty() const override { return std::make_unique<Scene>(); }
 
 protected:
-    void onAdopted() override {
-        ++structure_;
-        forgetLog();
-    }
+    void onAdopted() override { ++structure_; }
 
 private:
     struct Task {
@@ -130,23 +127,23 @@ private:
 // The bits of the outputs that `a` is, or needs when it is read; 0 of a plain attribute.
 std::uint32_t outputBits(db::Attribute const& a);
 
-inline void Node::takeOver(Input& i, int depth) {
-    if (i.sourceBits) {
-        if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
-    } else if (i.from->has(db::Attribute::live))
-        i.source->refreshPlain(*i.from, depth + 1);
-    carry(*i.from, *i.to);
-}
-
 // Several sources are about to be read, each from memory of its own: asked for together, they arrive together.
 inline void Node::prefetchSources() const {
-    for (std::uint64_t s = stale & ~lateBit; s; s &= s - 1) {
+    for (std::uint64_t s = stale & ~(1ull << 63); s; s &= s - 1) {
         Input const& i = inputs[std::size_t(__builtin_ctzll(s))];
         __builtin_prefetch(i.source, 1);
         __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset, 1);
         __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset + 64, 1);
         __builtin_prefetch(i.from, 1);
     }
+}
+
+inline void Node::takeOver(Input& i, int depth) {
+    if (i.sourceBits) {
+        if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
+    } else if (i.from->has(db::Attribute::live))
+        i.source->refreshPlain(*i.from, depth + 1);
+    carry(*i.from, *i.to);
 }
 
 inline void Node::update(std::uint64_t bits, int depth) {
