@@ -21,6 +21,7 @@ protected:
     template<class Edit, class Question> auto during(Edit const& edit, Question const& question) {
         decltype(question(std::declval<XSceneChange const&>())) answer{};
         bool first = true;
+        scene().CommitTransient();
         ask = [&](XSceneChange const& change) {
             if (first) answer = question(change);
             first = false;
@@ -106,7 +107,6 @@ TEST_F(DatabaseChange, NamesAndReferencesAreTold) {
 TEST_F(DatabaseChange, ConnectionsAreNoObjectsButAreListed) {
     XObject a = named(L"a"), b = named(L"b");
     XAttribute x = a.AddFloatAttribute(L"x"), y = b.AddFloatAttribute(L"y");
-    scene().CommitTransient();
     EXPECT_TRUE(during([&] { y.ConnectInputTo(x); },
                        [](auto const& c) {
                            Qelutils::Vector<XObject> created;
@@ -123,7 +123,6 @@ TEST_F(DatabaseChange, ConnectionsAreNoObjectsButAreListed) {
 
 TEST_F(DatabaseChange, ObjectsComeGoAndMove) {
     XObject made, parent = make(L"Transform");
-    scene().CommitTransient();
     EXPECT_TRUE(during([&] { made = make(L"Joint"); },
                        [](auto const& c) { return c.IsObjectCreated() && !c.IsObjectDeleted(); }));
     EXPECT_TRUE(during([&] { made.SetParent(parent); },
@@ -144,14 +143,12 @@ TEST_F(DatabaseChange, ObjectsComeGoAndMove) {
 
 TEST_F(DatabaseChange, ADeletedAttributeIsTold) {
     XAttribute f = named(L"a").AddFloatAttribute(L"f");
-    scene().CommitTransient();
     EXPECT_TRUE(during([&] { f.getAttribute()->remove(); },
                        [](auto const& c) { return c.IsAttributeDeleted() && !c.IsObjectDeleted(); }));
 }
 
 TEST_F(DatabaseChange, ModifiedObjectsAreAddedOnce) {
     XObject joint = make(L"Joint"), camera = make(L"Camera"), null = named(L"null");
-    scene().CommitTransient();
     EXPECT_TRUE(during(
         [&] {
             joint.Attribute(21).SetFloat(1);

@@ -12,9 +12,10 @@ protected:
     }
     XSceneGraph& graph() { return *scene().SceneGraph(); }
 
-    // What the edit changed, as one undo step.
+    // What the edit changed, as one undo step. What was changed outside any block before is a step of its own.
     template<class Edit> void inBlock(Edit const& edit) {
         static std::wstring const label = L"Edit";
+        scene().CommitTransient();
         XChangeBlock const block(scene(), label);
         edit();
     }

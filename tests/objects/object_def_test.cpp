@@ -27,16 +27,17 @@ TEST_F(ObjectDef, NodeTypeIdsHoldTheDerivedTypes) {
     EXPECT_FALSE(holds(sg::NullNode::Def) || holds(sg::RenderableNode::Def));
 }
 
+struct Unused : XTyped<Unused, XObject> {
+    static constexpr XWord TypeID = L"Unused";
+    using XTyped::XTyped;
+};
+
 TEST_F(ObjectDef, ATypeInUseCannotBeUnregistered) {
     {
         XCamera const camera;
         EXPECT_FALSE(XCamera::Definition().CanUnregister());
         EXPECT_FALSE(XTransform::Definition().CanUnregister()) << "a camera is a transform";
     }
-    struct Unused : XTyped<Unused, XObject> {
-        static constexpr XWord TypeID = L"Unused";
-        using XTyped::XTyped;
-    };
     EXPECT_TRUE(Unused::Definition().CanUnregister());
     Unused const handle;
     EXPECT_FALSE(Unused::Definition().CanUnregister());

@@ -204,7 +204,7 @@ TEST_F(Object, SearchesTestOneTypeOrAllItSupports) {
 
 TEST_F(Object, AddsAttributesOfEveryKindOffered) {
     XObject o = named(L"o");
-    XMatrix const m(XVector3(1, 2, 3));
+    XMatrix const m;
     EXPECT_TRUE(o.AddBooleanAttribute(L"b", true).Boolean());
     EXPECT_EQ(o.AddFloatAttribute(L"f", 1.5f, 0, 2).Float(), 1.5f);
     EXPECT_EQ(o.AddIntegerAttribute(L"i", 7, 0, 9).Integer(), 7);
