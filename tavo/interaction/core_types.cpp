@@ -29,8 +29,8 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     // animation
     registerAll<XAnimationDef, XAnimationLayersDef, XKeyframeDef>(database);
     // kinematics
-    registerAll<XRenderObjectDef, XTransformDef, XShapeDef, XGridDef, XCameraDef, XLightDef, XJointDef, XNullDef>(
-        database);
+    registerAll<XRenderObjectDef, XTransformDef, XShapeDef, XPrimitiveDef, XGridDef, XCameraDef, XLightDef, XJointDef,
+                XNullDef>(database);
     // interaction
     registerAll<XSelectionDef, XObjectGroupDef, XDisplayGroupDef, XCollisionGroupDef, XSelectionGroupDef,
                 XViewportSettingsDef>(database);

@@ -1,4 +1,5 @@
 // The registry of object types and file translators.
+#include "qel/utils/text.h"
 #include "tavo/app/application.h"
 #include "tavo/objects/database.h"
 #include "tavo/objects/scene_graph.h"
@@ -12,6 +13,8 @@ template<class Map> typename Map::mapped_type find(Map const& map, std::wstring 
     auto const it = map.find(key);
     return it == map.end() ? nullptr : it->second;
 }
+
+std::wstring keyOf(XTranslatorDef const& translator) { return Qelutils::toUpper(translator.Extension()); }
 
 // Takes an entry out that holds this very definition; another of the same name keeps its place.
 template<class Map> void eraseEntry(Map& map, std::wstring const& key, XObjectDef const* def) {
@@ -41,7 +44,7 @@ void XDatabase::registerDefinition(XModule* module, XObjectDef* definition) {
     _moduleDefinitions.emplace(module, definition);
     if (!definition->IsTranslator()) return;
     auto* const translator = static_cast<XTranslatorDef*>(definition);
-    if (!_translators.emplace(translator->Extension(), translator).second)
+    if (!_translators.emplace(keyOf(*translator), translator).second)
         XApplication::Instance().LogError(L"A translator for the file extension \"%s\" is already registered.You must "
                                           L"un-register it before trying to "
                                           L"register another.",
@@ -51,11 +54,11 @@ void XDatabase::registerDefinition(XModule* module, XObjectDef* definition) {
 bool XDatabase::unregisterDefinition(XObjectDef* definition) {
     if (!definition) return false;
     if (definition->IsTranslator()) {
-        std::wstring const extension = static_cast<XTranslatorDef*>(definition)->Extension();
-        if (!_translators.count(extension))
+        auto* const translator = static_cast<XTranslatorDef*>(definition);
+        if (!_translators.count(keyOf(*translator)))
             XApplication::Instance().LogError(
-                L"Cannot unregister a translator for extension \"%s\" that is not registered", extension);
-        eraseEntry(_translators, extension, definition);
+                L"Cannot unregister a translator for extension \"%s\" that is not registered", translator->Extension());
+        eraseEntry(_translators, keyOf(*translator), definition);
     }
     if (!_objectDefinitions.count(definition->ObjectType())) return false;
     eraseEntry(_objectDefinitions, definition->ObjectType(), definition);
