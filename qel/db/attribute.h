@@ -123,6 +123,7 @@ public:
     virtual std::uint64_t remember() = 0;           // the value of now, or what will hold it
     virtual void exchange(std::uint64_t& old) = 0;  // swaps with the current value
     virtual void forget(std::uint64_t) {}           // frees what remember() made
+    virtual void keepWhole() {}  // noted as written, and about to change in ways that are not: where a copy is needed
     virtual std::size_t historyBytes(std::uint64_t) const { return 0; }
 
     // ---- state; for db and sg ----

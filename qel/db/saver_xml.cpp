@@ -214,8 +214,10 @@ private:
     void writeConnections() {
         std::vector<Database::ConnectionRecord> connections;
         database_.listConnections(connections);
-        for (auto const& c : connections)
-            writeConnection(c.id, referenceTo(c.from, database_), referenceTo(c.to, database_));
+        for (auto const& c : connections) {
+            std::wstring const from = referenceTo(c.from, database_), to = referenceTo(c.to, database_);
+            if (!from.empty() && !to.empty()) writeConnection(c.id, from, to);
+        }
         auto const text = [](auto const& end) { return std::to_wstring(end.node) + L"." + end.attribute; };
         for (PreservedConnection const& c : preserved_.connections)
             if (database_.lookupNode(c.from.node) && database_.lookupNode(c.to.node))

@@ -153,6 +153,7 @@ ConnectionResult Scene::connect(db::Attribute* from, db::Attribute* to, bool rep
     if (wouldCycle(*from, *to)) return refused(WouldMakeCycle, L"the connection would close a cycle");
     if (taken >= 0) disconnectInput(to);
     noteWrite(*to);  // its own value comes back when the connection is undone
+    to->keepWhole();
     auto* c = static_cast<Connection*>(createDetached(Connection::Def));
     if (!c) return refused(MissingAttribute, L"the scene is full");
     c->from = from;
@@ -167,6 +168,7 @@ bool Scene::disconnectInput(db::Attribute* to) {
     int const i = t.inputOf(*to);
     if (i < 0 || !t.places[std::size_t(i)].connection) return false;
     noteWrite(*to);
+    to->keepWhole();
     t.refreshValue(*to);  // the last value stays, as if written
     t.places[std::size_t(i)].connection->remove();
     return true;
