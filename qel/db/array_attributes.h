@@ -14,7 +14,7 @@ public:
     static constexpr std::size_t page = sizeof(T) >= 64 ? 1 : 64 / sizeof(T);  // elements: a cache line
 
     void keepPage(std::vector<T> const& v, std::size_t p) {
-        if (!hasOpenPages()) steps_.emplace_back();
+        if (steps_.empty() || steps_.back().splice) steps_.emplace_back();
         Step& s = steps_.back();
         std::size_t const from = p * page, to = std::min(from + page, v.size());
         s.pages.push_back(std::uint32_t(p));
@@ -22,25 +22,27 @@ public:
     }
     // Values that this item itself inserted need no keeping: undoing the insertion takes them away.
     bool covers(std::size_t index) const {
-        return endsWith(Kind::Splice) && index >= steps_.back().at && index < steps_.back().at + steps_.back().inserted;
+        return !steps_.empty() && steps_.back().splice && index >= steps_.back().at &&
+               index < steps_.back().at + steps_.back().inserted;
     }
-    bool hasOpenPages() const { return endsWith(Kind::Pages); }
-    // Before changes that the history is not told of.
-    void keepWhole(std::vector<T> const& v) {
-        Step& s = steps_.emplace_back();
-        s.kind = Kind::Whole;
-        s.old = v;
-    }
+    bool hasOpenPages() const { return !steps_.empty() && !steps_.back().splice; }
     void keepSplice(std::size_t at, std::size_t inserted, std::vector<T> old) {
-        if (old.empty() && endsWith(Kind::Splice) && at == steps_.back().at + steps_.back().inserted) {
+        if (old.empty() && !steps_.empty() && steps_.back().splice && at == steps_.back().at + steps_.back().inserted) {
             steps_.back().inserted += inserted;  // a run of appends is one step
             return;
         }
         Step& s = steps_.emplace_back();
-        s.kind = Kind::Splice;
+        s.splice = true;
         s.at = at;
         s.inserted = inserted;
         s.old = std::move(old);
+    }
+    // Whatever happens to the array from here on, undoing brings these values back.
+    void keepWhole(std::vector<T> const& v) {
+        Step& s = steps_.emplace_back();
+        s.splice = s.whole = true;
+        s.inserted = std::size_t(-1);
+        s.old = v;
     }
     void toggle(std::vector<T>& v) {
         for (std::size_t k = 0; k < steps_.size(); ++k) toggle(steps_[undone_ ? k : steps_.size() - 1 - k], v);
@@ -53,17 +55,15 @@ public:
     }
 
 private:
-    enum class Kind { Pages, Splice, Whole };
     struct Step {
         std::vector<std::uint32_t> pages;
         std::vector<T> old;
         std::size_t at = 0, inserted = 0;
-        Kind kind = Kind::Pages;
+        bool splice = false, whole = false;
     };
-    bool endsWith(Kind kind) const { return !steps_.empty() && steps_.back().kind == kind; }
     static void toggle(Step& s, std::vector<T>& v) {
-        if (s.kind == Kind::Whole) return v.swap(s.old);
-        if (s.kind == Kind::Pages) return togglePages(s, v);
+        if (!s.splice) return togglePages(s, v);
+        if (s.whole) return v.swap(s.old);
         if (s.at == 0 && s.inserted == v.size()) {  // the whole changes hands, nothing is copied
             s.inserted = s.old.size();
             v.swap(s.old);
@@ -116,7 +116,7 @@ public:
         return none;
     }
     bool setElement(Element value, std::size_t i) {  // false beyond the end
-        if (i >= raw().size() || !openHistory()) return false;
+        if (i >= raw().size() || !beginEdit()) return false;
         keepPage(i);
         body_->values[i] = std::move(value);
         afterWrite();
@@ -126,14 +126,14 @@ public:
     void setValue(Element const* values, std::size_t count) { setValue(std::vector<T>(values, values + count)); }
     void add(Element value) { insert(std::move(value), raw().size()); }
     bool insert(Element value, std::size_t i) {  // false beyond the end
-        if (i > raw().size() || !openHistory()) return false;
+        if (i > raw().size() || !beginEdit()) return false;
         std::vector<T>& v = body().values;
         v.insert(v.begin() + long(i), T(std::move(value)));
         noteSplice(i, 1, {});
         return true;
     }
     bool removeAt(std::size_t i) override {
-        if (i >= raw().size() || isRemoved()) return false;
+        if (i >= raw().size() || isRemoved() || has(live)) return false;
         splice(i, 1, {});
         return true;
     }
@@ -164,14 +164,20 @@ public:
         return reinterpret_cast<std::uint64_t>(b.open);
     }
     void exchange(std::uint64_t& old) override { reinterpret_cast<History*>(old)->toggle(body().values); }
-    void keepWhole() override {
-        body_->open->keepWhole(body_->values);
-        body_->kept.clear();
-    }
     void forget(std::uint64_t old) override { delete reinterpret_cast<History*>(old); }
     std::size_t historyBytes(std::uint64_t old) const override { return reinterpret_cast<History*>(old)->bytes(); }
 
+protected:
+    void keepWhole() override {
+        Body& b = body();
+        b.open->keepWhole(b.values);
+        b.kept.clear();
+    }
+
 private:
+    // Steps of the history lean on the values they were made for, so what is computed or flows in is not edited.
+    bool beginEdit() { return !has(live) && beforeWrite(); }
+
     struct Body {
         std::vector<T> values;
         History* open = nullptr;          // of the item being recorded; valid while the flag `recorded` is set
@@ -181,14 +187,8 @@ private:
         if (!body_) body_ = std::make_unique<Body>();
         return *body_;
     }
-    // What is connected changes without record: pages and places kept of it would soon fit nothing.
-    bool openHistory() {
-        if (!beforeWrite()) return false;
-        if (has(live)) keepWhole();
-        return true;
-    }
     void keepPage(std::size_t i) {
-        if (has(live) || body_->open->covers(i)) return;
+        if (body_->open->covers(i)) return;
         Body& b = *body_;
         std::size_t const p = i / History::page;
         if (b.kept.size() <= p / 64) b.kept.resize((b.values.size() / History::page) / 64 + 1);
@@ -199,11 +199,11 @@ private:
     }
     void noteSplice(std::size_t at, std::size_t inserted, std::vector<T> old) {
         if (body_->open->hasOpenPages()) body_->kept.clear();  // places moved: pages start anew
-        if (!has(live)) body_->open->keepSplice(at, inserted, std::move(old));
+        body_->open->keepSplice(at, inserted, std::move(old));
         afterWrite();
     }
     void splice(std::size_t at, std::size_t removed, std::vector<T> inserted) {
-        if (!openHistory()) return;
+        if (!beginEdit()) return;
         std::vector<T>& v = body().values;
         std::size_t const count = inserted.size();
         std::vector<T> out;

@@ -123,8 +123,13 @@ public:
     virtual std::uint64_t remember() = 0;           // the value of now, or what will hold it
     virtual void exchange(std::uint64_t& old) = 0;  // swaps with the current value
     virtual void forget(std::uint64_t) {}           // frees what remember() made
-    virtual void keepWhole() {}  // noted as written, and about to change in ways that are not: where a copy is needed
     virtual std::size_t historyBytes(std::uint64_t) const { return 0; }
+    // Keeps the whole value, which is about to change without record: what flows in along a connection.
+    bool noteWhole() {
+        if (!noteWrite()) return false;
+        keepWhole();
+        return true;
+    }
 
     // ---- state; for db and sg ----
     enum Flag : std::uint32_t {
@@ -148,6 +153,7 @@ public:
     bool noteWrite();  // what beforeWrite() does the first time
 
 protected:
+    virtual void keepWhole() {}  // beyond what remember() kept
     Attribute(AttributePlace place, AttributeType kind) :
         bits_(place.back | place.number << numberShift | std::uint32_t(kind) << kindShift |
               (place.outside ? outside : 0u)) {}

@@ -88,7 +88,7 @@ void Layout::construct(char* block, bool outside) const {
         RowInfo const& r = rows[i];
         Attribute* a = constructAttribute(block + r.offset, {r.offset / 8, std::uint32_t(i), outside}, *r.def);
         if (r.affects) a->set(Attribute::feeds);
-        if (r.def->outputBit >= 0) a->set(Attribute::live);
+        if (r.def->outputBit >= 0) a->set(Attribute::live | Attribute::feeds);
     }
 }
 

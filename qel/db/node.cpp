@@ -326,6 +326,7 @@ void AttributeArray::resize(std::size_t count) {
 
 void AttributeArray::splice(std::size_t at, std::size_t removed, std::vector<ElementBlock*> inserted) {
     std::size_t const count = inserted.size();
+    for (std::size_t i = at; i < at + removed; ++i) node().onRemovePart(*(*elements_)[i]);
     auto edit = std::make_unique<StructureEdits::Elements>(*this, at, count, exchangeElements(at, removed, inserted));
     edit->list(getDatabase()->changes());
     getDatabase()->record(std::move(edit));

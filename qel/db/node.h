@@ -138,6 +138,7 @@ public:
     virtual void valueChanged(Attribute&) {}         // a written attribute that feeds something
     virtual void refreshValue(Attribute&) {}         // a read of a computed or connected attribute
     virtual void onRemove() {}                       // about to be removed, still whole: recorded edits are allowed
+    virtual void onRemovePart(ElementBlock&) {}      // the same for one of its elements or dynamic attributes
     virtual void onLife(bool /*removed*/) {}         // was removed or came back, also by undo: no recorded edits
     virtual void onPlaceChanged(bool /*linked*/) {}  // came to or left its primary parent: no recorded edits
     virtual bool isNotAnObject() const { return false; }  // kept out of the lists of objects

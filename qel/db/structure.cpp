@@ -225,6 +225,7 @@ void Database::removeSingle(Node& n) {
 }
 
 void Database::removeDynamic(ElementBlock& block) {
+    block.node->onRemovePart(block);
     auto edit = std::make_unique<StructureEdits::Dynamic>(*block.node, block, true);
     edit->toggle(*this);
     record(std::move(edit));

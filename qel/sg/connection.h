@@ -15,6 +15,7 @@ public:
     db::Attribute* getTarget() const { return to; }
     bool isNotAnObject() const override { return true; }
     bool supportsChildren() const override { return false; }
+    void onRemove() override;
     void onLife(bool removed) override;
 
     db::Attribute *from = nullptr, *to = nullptr;

@@ -6,6 +6,13 @@ namespace sg {
 namespace {
 
 Node& nodeOf(db::Attribute const& a) { return static_cast<Node&>(a.node()); }
+
+// Of the database itself, or a whole node: nothing that the graph evaluates.
+bool isOutside(db::Attribute const& a) { return a.isNode() || a.node().isDatabase(); }
+
+// One is kept free for the hierarchy's own.
+constexpr std::size_t mostInputs = 0xfffe;
+
 std::uint32_t affects(db::Attribute const& a) { return a.layout().rows[std::size_t(a.row())].affects; }
 
 // The bit of the node's state that says that this source is out of date.
@@ -14,50 +21,55 @@ std::uint32_t ownBit(db::Attribute const& a) {
     return bit < 0 ? 0 : 1u << bit;
 }
 
-// The bits of all groups that pass an attribute on.
-std::uint32_t onwardBits(Node& n, db::Attribute const& a) {
-    std::uint32_t bits = 0;
-    for (OutGroup const& g : n.outputs)
-        if (g.from == &a) bits |= g.bit;
-    return bits;
+// Whether `to`, a plain attribute with an input, feeds others itself.
+void setPasses(Node& n, db::Attribute const& to, bool on) {
+    int const i = n.inputOf(to);
+    if (i < 0) return;
+    std::uint32_t& flags = n.inputs[i].affects;
+    flags = on ? flags | Input::passes : flags & ~Input::passes;
 }
-
-// A plain attribute that feeds others, and is perhaps fed itself, is an output of its own: it takes a bit from above;
-// where all are used up, the last is shared.
-std::uint32_t takePassBit(Node& n, db::Attribute const& a) {
-    std::uint32_t const taken = n.passBits | n.getNodeDef().outputs();
-    std::uint32_t const bit = taken == ~0u ? 1u << 31 : 1u << (31 - __builtin_clz(~taken));
-    n.passBits |= bit;
-    int const i = n.inputOf(a);
-    if (i >= 0) {
-        n.inputs[i].affects |= bit;
-        if (n.stale & Node::stateBit(std::size_t(i))) n.dirty |= bit;
-    }
-    return bit;
-}
-
-std::uint64_t allInputs(Node const& n) { return n.inputCount >= 64 ? ~0ull : (1ull << n.inputCount) - 1; }
 
 void fixEdge(OutGroup& g, std::size_t e) { g.edges[e].target->places[g.edges[e].input].edge = std::uint32_t(e); }
 void fixInput(Node& n, std::size_t i) {
     n.inputs[i].source->outputs[n.places[i].group].edges[n.places[i].edge].input = std::uint32_t(i);
 }
 
-// Groups are dropped from the back only: places hold their numbers.
-void dropEmptyGroups(Node& n) {
-    while (!n.outputs.empty() && n.outputs.back().edges.empty()) {
-        OutGroup const& g = n.outputs.back();
-        if (!ownBit(*g.from) && !(affects(*g.from))) g.from->clear(db::Attribute::feeds);
-        n.outputs.pop_back();
-    }
-    n.passBits = 0;
-    for (OutGroup const& g : n.outputs)
-        if (!ownBit(*g.from)) n.passBits |= g.bit;
+// An empty group stays where it is, as places hold the numbers of those behind it, and is used again.
+OutGroup& takeGroup(Node& n, db::Attribute& from, bool hierarchy) {
+    if (OutGroup* g = n.groupOf(from, hierarchy)) return *g;
+    if (!ownBit(from)) setPasses(n, from, true);
+    OutGroup fresh{&from, ownBit(from), hierarchy, {}, {}, 0};
+    for (OutGroup& g : n.outputs)
+        if (!g.from) return g = std::move(fresh);
+    return n.outputs.emplace_back(std::move(fresh));
+}
+
+void dropGroup(Node& n, OutGroup& g) {
+    db::Attribute& from = *g.from;
+    g.from = nullptr;
+    g.bit = 0;
+    while (!n.outputs.empty() && !n.outputs.back().from) n.outputs.pop_back();
+    if (ownBit(from)) return;
+    setPasses(n, from, false);
+    if (!affects(from) && n.inputOf(from) < 0) from.clear(db::Attribute::feeds);
+}
+
+void connectNode(Connection& c, db::Attribute& from, db::Attribute& to) {
+    c.from = &from;
+    c.to = &to;
+    c.graph().attach(from, to, &c, -1, -1);
 }
 
 }  // namespace
 
+void Connection::onRemove() {
+    if (!to) return;
+    to->noteWhole();
+    static_cast<Node&>(to->node()).refreshValue(*to);  // the last value stays, as if written
+}
+
 void Connection::onLife(bool removed) {
+    if (!to) return;
     if (removed)
         std::tie(edge, input) = graph().detach(*to);
     else
@@ -67,15 +79,10 @@ void Connection::onLife(bool removed) {
 
 void Scene::attach(db::Attribute& from, db::Attribute& to, Connection* connection, std::int64_t edge, std::int64_t at) {
     sg::Node &s = nodeOf(from), &t = nodeOf(to);
-    bool const hierarchy = !connection;
-    if (!s.groupOf(from, hierarchy)) {
-        OutGroup const* other = s.groupOf(from, !hierarchy);
-        std::uint32_t const bit = ownBit(from) ? ownBit(from) : other ? other->bit : takePassBit(s, from);
-        s.outputs.push_back({&from, bit, hierarchy, {}, {}, 0});
-    }
-    OutGroup& g = *s.groupOf(from, hierarchy);
-    std::uint32_t const needs = ownBit(from) ? outputBits(from) : g.bit;
-    std::size_t const last = t.addInput({&s, &from, &to, needs, affects(to) | onwardBits(t, to)});
+    OutGroup& g = takeGroup(s, from, !connection);
+    bool const passes = !ownBit(to) && t.groupOf(to);
+    std::size_t const last =
+        t.addInput({&s, &from, &to, outputBits(from), affects(to) | (passes ? Input::passes : 0u)});
     t.places.push_back({std::uint32_t(&g - s.outputs.data()), std::uint32_t(g.edges.size()), connection});
     g.edges.push_back({&t, std::uint32_t(last)});
     if (edge >= 0 && std::size_t(edge) + 1 < g.edges.size()) {
@@ -84,25 +91,19 @@ void Scene::attach(db::Attribute& from, db::Attribute& to, Connection* connectio
         fixEdge(g, g.edges.size() - 1);
     }
     if (at >= 0 && std::size_t(at) < last) {
-        std::swap(t.inputs[at], t.inputs[last]);
-        std::swap(t.places[std::size_t(at)], t.places[last]);
+        t.swapInputs(std::size_t(at), last);
         fixInput(t, std::size_t(at));
         fixInput(t, last);
     }
-    t.stale = allInputs(t);  // places moved; to carry once more is harmless
     from.set(db::Attribute::feeds);
-    to.set(db::Attribute::live);
+    to.set(db::Attribute::live | db::Attribute::feeds);
     ++structure_;
-    t.dirty |= onwardBits(t, to);
-    push(t, to);
-    stack_.clear();
-    if (std::uint32_t const onward = onwardBits(t, to)) stack_.push_back({&t, onward});
-    spread();
+    push(t, to);  // which makes the new input stale
 }
 
 std::pair<std::uint32_t, std::uint32_t> Scene::detach(db::Attribute& to) {
     sg::Node& t = nodeOf(to);
-    std::size_t const at = std::size_t(t.inputOf(to));
+    std::size_t const at = std::size_t(t.inputOf(to)), last = t.inputCount - 1u;
     sg::Node::Place const gone = t.places[at];
     sg::Node& s = *t.inputs[at].source;
     OutGroup& g = s.outputs[gone.group];
@@ -111,18 +112,18 @@ std::pair<std::uint32_t, std::uint32_t> Scene::detach(db::Attribute& to) {
         fixEdge(g, gone.edge);
     }
     g.edges.pop_back();
-    std::size_t const last = --t.inputCount;
     if (at < last) {
-        t.inputs[at] = t.inputs[last];
-        t.places[at] = t.places[last];
+        t.swapInputs(at, last);
         fixInput(t, at);
     }
+    t.clearStale(last);
+    --t.inputCount;
     t.places.pop_back();
-    t.stale = allInputs(t);
-    dropEmptyGroups(s);
-    if (ownBit(to) == 0) to.clear(db::Attribute::live);
+    if (g.edges.empty()) dropGroup(s, g);
+    to.clear(db::Attribute::live);
     ++structure_;
     push(t, to);
+    if (!affects(to) && !t.groupOf(to)) to.clear(db::Attribute::feeds);
     return {gone.edge, std::uint32_t(at)};
 }
 
@@ -138,38 +139,66 @@ void Scene::refuse(wchar_t const* why, db::Attribute const* from, db::Attribute 
     logger()->Log(Qelutils::BasicLogger::Error, text);
 }
 
-ConnectionResult Scene::connect(db::Attribute* from, db::Attribute* to, bool replace, bool quiet) {
-    auto refused = [&](ConnectionResult r, wchar_t const* why) { return refuse(why, from, to, quiet), r; };
+ConnectionResult Scene::check(db::Attribute* from, db::Attribute* to, bool replace, wchar_t const*& why) {
+    auto refused = [&](ConnectionResult r, wchar_t const* reason) { return why = reason, r; };
     if (!from || !to || from->isRemoved() || to->isRemoved() || from->getDatabase() != this ||
         to->getDatabase() != this)
         return refused(MissingAttribute, L"an end of the connection does not exist in this scene");
+    if (isOutside(*from) || isOutside(*to))
+        return refused(NotConnectable, L"the scene's own attributes are not evaluated");
     if (getInputAttribute(to) == from) return AlreadyConnected;
     if (!canCarry(*from, *to)) return refused(KindsDiffer, L"their kinds differ");
-    int const taken = nodeOf(*to).inputOf(*to);
-    if (ownBit(*to) || (to->isString() && to->asString()->isNodeName()) ||
-        (taken >= 0 && !nodeOf(*to).places[std::size_t(taken)].connection))
+    if (to->getDef().hasFlag(db::FlagReadOnly) || (to->isString() && to->asString()->isNodeName()))
         return refused(NotConnectable, L"the target is computed by its object");
-    if (taken >= 0 && !replace) return refused(InputTaken, L"the target already has an input");
-    if (wouldCycle(*from, *to)) return refused(WouldMakeCycle, L"the connection would close a cycle");
-    if (taken >= 0) disconnectInput(to);
-    noteWrite(*to);  // its own value comes back when the connection is undone
-    to->keepWhole();
+    bool const taken = nodeOf(*to).inputOf(*to) >= 0;
+    if (taken && !replace) return refused(InputTaken, L"the target already has an input");
+    if (!taken && nodeOf(*to).inputCount >= mostInputs)
+        return refused(NotConnectable, L"the target's object has too many inputs");
+    if (!to->isCompound() && wouldCycle(*from, *to))
+        return refused(WouldMakeCycle, L"the connection would close a cycle");
+    return Connected;
+}
+
+ConnectionResult Scene::connect(db::Attribute* from, db::Attribute* to, bool replace, bool quiet) {
+    wchar_t const* why = L"";
+    ConnectionResult const result = check(from, to, replace, why);
+    if (result > Connected) refuse(why, from, to, quiet);
+    if (result != Connected) return result;
+    if (to->isCompound()) return connectChildren(*from->asComposite(), *to->asComposite(), replace, quiet);
+    if (nodeOf(*to).inputOf(*to) >= 0) disconnectInput(to);
+    to->noteWhole();  // its own value comes back when the connection is undone
     auto* c = static_cast<Connection*>(createDetached(Connection::Def));
-    if (!c) return refused(MissingAttribute, L"the scene is full");
-    c->from = from;
-    c->to = to;
-    attach(*from, *to, c, -1, -1);
+    if (!c) return refuse(L"the scene is full", from, to, quiet), MissingAttribute;
+    connectNode(*c, *from, *to);
+    return Connected;
+}
+
+// All or nothing: what one of the children would be refused for refuses all.
+ConnectionResult Scene::connectChildren(db::CompositeAttribute& from, db::CompositeAttribute& to, bool replace,
+                                        bool quiet) {
+    wchar_t const* why = L"";
+    for (std::size_t i = 0; i < to.getAttributeCount(); ++i) {
+        ConnectionResult const r = check(from.getAttribute(i), to.getAttribute(i), replace, why);
+        if (r > Connected) return refuse(why, from.getAttribute(i), to.getAttribute(i), quiet), r;
+    }
+    for (std::size_t i = 0; i < to.getAttributeCount(); ++i) {
+        ConnectionResult const r = connect(from.getAttribute(i), to.getAttribute(i), replace, quiet);
+        if (r > Connected) return r;
+    }
     return Connected;
 }
 
 bool Scene::disconnectInput(db::Attribute* to) {
-    if (!to || to->getDatabase() != this) return false;
+    if (!to || to->getDatabase() != this || isOutside(*to)) return false;
+    if (to->isCompound()) {
+        bool any = false;
+        for (std::size_t i = 0; i < to->asComposite()->getAttributeCount(); ++i)
+            any |= disconnectInput(to->asComposite()->getAttribute(i));
+        return any;
+    }
     sg::Node& t = nodeOf(*to);
     int const i = t.inputOf(*to);
     if (i < 0 || !t.places[std::size_t(i)].connection) return false;
-    noteWrite(*to);
-    to->keepWhole();
-    t.refreshValue(*to);  // the last value stays, as if written
     t.places[std::size_t(i)].connection->remove();
     return true;
 }
@@ -187,25 +216,53 @@ bool Scene::disconnect(db::Attribute* a) {
 }
 
 db::Attribute* Scene::getInputAttribute(db::Attribute const* to) const {
-    if (!to || to->isNode() || !to->has(db::Attribute::live)) return nullptr;
+    if (!to || isOutside(*to)) return nullptr;
+    if (to->isCompound()) return inputOfCompound(*to->asComposite());
+    if (!to->has(db::Attribute::live)) return nullptr;
     sg::Node& t = nodeOf(*to);
     int const i = t.inputOf(*to);
     return i >= 0 && t.places[std::size_t(i)].connection ? t.inputs[i].from : nullptr;
 }
 
+// The compound whose children feed the children here, each its like.
+db::Attribute* Scene::inputOfCompound(db::CompositeAttribute const& to) const {
+    db::Attribute* whole = nullptr;
+    for (std::size_t i = 0; i < to.getAttributeCount(); ++i) {
+        db::Attribute const* from = getInputAttribute(to.getAttribute(i));
+        db::Attribute* above = from ? from->getParentAttribute() : nullptr;
+        if (!above || !above->isCompound() || above->isNode() || from->getIndex() != int(i) ||
+            (whole && above != whole))
+            return nullptr;
+        whole = above;
+    }
+    return whole;
+}
+
 void Scene::getOutputAttributes(db::Attribute const* from, std::vector<db::Attribute*>& out) const {
-    if (!from || from->isNode()) return;
-    if (OutGroup const* g = nodeOf(*from).groupOf(*from))
+    if (!from || isOutside(*from)) return;
+    if (from->isCompound()) {
+        std::vector<db::Attribute*> ofFirst;
+        if (from->asComposite()->getAttributeCount() > 0)
+            getOutputAttributes(from->asComposite()->getAttribute(0), ofFirst);
+        for (db::Attribute* a : ofFirst)
+            if (getInputAttribute(a->getParentAttribute()) == from) out.push_back(a->getParentAttribute());
+    } else if (OutGroup const* g = nodeOf(*from).groupOf(*from))
         for (Edge const& e : g->edges) out.push_back(e.target->inputs[e.input].to);
 }
 
 std::size_t Scene::getOutputCount(db::Attribute const* from) const {
-    OutGroup const* g = from && !from->isNode() ? nodeOf(*from).groupOf(*from) : nullptr;
+    if (!from || isOutside(*from)) return 0;
+    if (from->isCompound()) {
+        std::vector<db::Attribute*> all;
+        getOutputAttributes(from, all);
+        return all.size();
+    }
+    OutGroup const* g = nodeOf(*from).groupOf(*from);
     return g ? g->edges.size() : 0;
 }
 
 void Scene::getAffectingAttributes(db::Attribute const* a, std::vector<db::Attribute*>& out) const {
-    if (!a || a->isNode()) return;
+    if (!a || isOutside(*a)) return;
     sg::Node& n = nodeOf(*a);
     int const input = n.inputOf(*a);
     if (input >= 0) return out.push_back(n.inputs[input].from);
@@ -216,7 +273,7 @@ void Scene::getAffectingAttributes(db::Attribute const* a, std::vector<db::Attri
 }
 
 bool Scene::hasAffectingAttributes(db::Attribute const* a) const {
-    if (!a || a->isNode() || !a->has(db::Attribute::live)) return false;
+    if (!a || !a->has(db::Attribute::live)) return false;
     std::vector<db::Attribute*> affecting;
     getAffectingAttributes(a, affecting);
     return !affecting.empty();
@@ -240,64 +297,11 @@ void Scene::listConnections(std::vector<ConnectionRecord>& out) const {
 }
 
 bool Scene::loadConnection(ConnectionRecord const& c) {
-    bool const sound = c.from && c.to && canCarry(*c.from, *c.to) && !ownBit(*c.to) &&
-                       nodeOf(*c.to).inputOf(*c.to) < 0 && !wouldCycle(*c.from, *c.to);
-    auto* node = sound ? static_cast<Connection*>(createForLoading(Connection::Def, c.id, {}, nullptr, true)) : nullptr;
-    if (!node) return false;
-    node->from = c.from;
-    node->to = c.to;
-    attach(*c.from, *c.to, node, -1, -1);
-    return true;
-}
-
-// Upstream of the source and downstream of the target in turn, output by output: the smaller side decides, so that
-// building a scene stays linear however many read one source. a.tx to b.tx and b.world to a.parentWorld is legal.
-bool Scene::wouldCycle(db::Attribute const& from, db::Attribute const& to) {
-    if (&from == &to) return true;
-    ++mark_;
-    std::vector<Task> up, down;
-    auto fresh = [&](sg::Node& n) {
-        if (n.mark != mark_) n.mark = mark_, n.upBits = n.downBits = 0;
-    };
-    auto goUp = [&](sg::Node& n, std::uint32_t bits) {
-        fresh(n);
-        bits &= ~n.upBits;
-        n.upBits |= bits;
-        if (bits) up.push_back({&n, bits});
-        return (n.upBits & n.downBits) != 0;
-    };
-    auto goDown = [&](sg::Node& n, std::uint32_t bits) {
-        fresh(n);
-        bits &= ~n.downBits;
-        n.downBits |= bits;
-        if (bits) down.push_back({&n, bits});
-        return (n.upBits & n.downBits) != 0;
-    };
-    sg::Node &s = nodeOf(from), &t = nodeOf(to);
-    goDown(t, affects(to) | onwardBits(t, to));
-    if (ownBit(from)) {
-        if (goUp(s, outputBits(from))) return true;
-    } else if (int const i = s.inputOf(from); i >= 0) {
-        if (s.inputs[i].from == &to || goUp(*s.inputs[i].source, s.inputs[i].sourceBits)) return true;
-    }
-    while (!up.empty() && !down.empty()) {
-        Task const u = up.back();
-        up.pop_back();
-        for (std::size_t i = 0; i < u.node->inputCount; ++i) {
-            Input const& in = u.node->inputs[i];
-            if ((in.affects & u.bits) && (in.from == &to || goUp(*in.source, in.sourceBits))) return true;
-        }
-        Task const d = down.back();
-        down.pop_back();
-        for (OutGroup const& g : d.node->outputs)
-            for (std::size_t e = 0; (g.bit & d.bits) && e < g.edges.size(); ++e) {
-                Edge const& edge = g.edges[e];
-                if (edge.target->inputs[edge.input].to == &from ||
-                    goDown(*edge.target, edge.target->inputs[edge.input].affects))
-                    return true;
-            }
-    }
-    return false;
+    wchar_t const* why = L"";
+    if (check(c.from, c.to, false, why) != Connected || c.to->isCompound()) return false;
+    auto* node = static_cast<Connection*>(createForLoading(Connection::Def, c.id, {}, nullptr, true));
+    if (node) connectNode(*node, *c.from, *c.to);
+    return node != nullptr;
 }
 
 }  // namespace sg

@@ -65,10 +65,19 @@ bool carrySame(db::Attribute const& from, db::Attribute& to) {
 
 }  // namespace
 
+static bool haveLikeChildren(db::CompositeAttribute const& from, db::CompositeAttribute const& to) {
+    if (from.getAttributeCount() != to.getAttributeCount()) return false;
+    for (std::size_t i = 0; i < to.getAttributeCount(); ++i)
+        if (!canCarry(*from.getAttribute(i), *to.getAttribute(i))) return false;
+    return true;
+}
+
 bool canCarry(db::Attribute const& from, db::Attribute const& to) {
     AttributeType const f = from.getAttributeType(), t = to.getAttributeType();
     if (isNumber(f) && isNumber(t)) return true;
-    return f == t && f != AttributeType::NodeContainer && f != AttributeType::AttributeArray && !from.isCompound();
+    if (from.isCompound() && to.isCompound()) return haveLikeChildren(*from.asComposite(), *to.asComposite());
+    return f == t && f != AttributeType::NodeContainer && f != AttributeType::AttributeArray &&
+           f != AttributeType::Node;
 }
 
 void carryAny(db::Attribute const& from, db::Attribute& to) {
@@ -88,33 +97,48 @@ std::uint32_t affects(db::Attribute const& a) { return a.layout().rows[std::size
 
 // `a` of `n` was written.
 void Scene::push(sg::Node& n, db::Attribute& a) {
-    std::uint64_t const fresh = affects(a) & ~n.dirty;
+    bool const isOutput = outputBits(a) != 0;
+    std::uint64_t const bits = affects(a) | (isOutput ? 1u << a.getDef().outputBit : 0);
+    std::uint64_t const fresh = bits & ~n.dirty;
     n.dirty |= fresh;
     stack_.clear();
-    if (fresh) stack_.push_back({&n, fresh});
-    if (!n.outputs.empty() && outputBits(a) == 0)
+    if (fresh) queue(n, fresh);
+    if (!isOutput) {
+        int const input = a.has(db::Attribute::live) ? n.inputOf(a) : -1;
+        if (input >= 0) n.setStale(std::size_t(input));  // what flows in holds, not what was written
         for (OutGroup& g : n.outputs)
             if (g.from == &a) pushGroup(g);
+    }
     spread();
+}
+
+void Scene::queue(sg::Node& n, std::uint64_t bits) {
+    for (OutGroup& g : n.outputs)
+        if (g.bit & bits) stack_.push_back(&g);
+}
+
+void Scene::queue(sg::Node& n, db::Attribute const& plain) {
+    for (OutGroup& g : n.outputs)
+        if (g.from == &plain) stack_.push_back(&g);
 }
 
 void Scene::spread() {
     while (!stack_.empty()) {
-        Task const task = stack_.back();
+        OutGroup* const g = stack_.back();
         stack_.pop_back();
-        for (OutGroup& g : task.node->outputs)
-            if (g.bit & task.bits) pushEdges(g);
+        pushEdges(*g);
     }
 }
 
 void Scene::pushEdges(OutGroup& g) {
     for (Edge const& e : g.edges) {
         sg::Node& t = *e.target;
-        t.stale |= sg::Node::stateBit(e.input);
-        std::uint64_t const now = t.inputs[e.input].affects & ~t.dirty;
-        if (!now) continue;
+        bool const fresh = t.setStale(e.input);
+        Input const& in = t.inputs[e.input];
+        std::uint64_t const now = in.affects & Input::outputs & ~t.dirty;
         t.dirty |= now;
-        stack_.push_back({&t, now});
+        if (now) queue(t, now);
+        if (fresh && (in.affects & Input::passes)) queue(t, *in.to);
     }
 }
 
@@ -132,56 +156,72 @@ void Scene::pushGroup(OutGroup& g) {
         s.node->dirty |= s.dirty;
         s.node->stale |= s.stale;
     }
+    for (Edge const& e : g.plan.late) e.target->setStale(e.input);
     g.plan.pushed = evaluations_ + 1;
 }
 
 void Scene::makePlan(OutGroup& g) {
-    g.plan.steps.clear();
+    Plan& plan = g.plan;
+    plan.steps.clear();
+    plan.late.clear();
     std::uint32_t const mark = ++mark_;
-    std::vector<Task> work;
+    std::vector<OutGroup const*> work{&g};
     auto reach = [&](Edge const& e) {
         sg::Node& t = *e.target;
         if (t.mark != mark) {
             t.mark = mark;
-            t.planIndex = std::uint32_t(g.plan.steps.size());
-            g.plan.steps.push_back({&t, 0, 0});
+            t.planIndex = std::uint32_t(plan.steps.size());
+            plan.steps.push_back({&t, 0, 0});
         }
-        Plan::Step& s = g.plan.steps[t.planIndex];
-        s.stale |= sg::Node::stateBit(e.input);
-        std::uint64_t const now = t.inputs[e.input].affects & ~s.dirty;
+        Plan::Step& s = plan.steps[t.planIndex];
+        if (e.input < sg::Node::lateInput)
+            s.stale |= 1ull << e.input;
+        else
+            plan.late.push_back(e);
+        Input const& in = t.inputs[e.input];
+        std::uint64_t const now = in.affects & Input::outputs & ~s.dirty;
         s.dirty |= now;
-        if (now) work.push_back({&t, now});
+        for (OutGroup const& o : t.outputs)
+            if ((o.bit & now) || ((in.affects & Input::passes) && o.from == in.to)) work.push_back(&o);
     };
-    for (Edge const& e : g.edges) reach(e);
     while (!work.empty()) {
-        Task const task = work.back();
+        OutGroup const& o = *work.back();
         work.pop_back();
-        for (OutGroup const& o : task.node->outputs)
-            if (o.bit & task.bits)
-                for (Edge const& e : o.edges) reach(e);
+        for (Edge const& e : o.edges) reach(e);
     }
-    g.plan.structure = structure_;
-    g.plan.pushed = 0;
+    plan.structure = structure_;
+    plan.pushed = 0;
 }
 
 // ---- chains too deep to recurse into ----
 
-void Scene::updateDeep(sg::Node& root, std::uint64_t bits) {
+void Scene::needSource(sg::Node& n, std::size_t input) {
+    if (!n.isStale(input)) return;
+    Input const& in = n.inputs[input];
+    sg::Node& s = *in.source;
+    if (in.sourceBits) {
+        if (s.dirty & in.sourceBits) deep_.push_back({&s, in.sourceBits, -1});
+    } else if (int const i = in.from->has(db::Attribute::live) ? s.inputOf(*in.from) : -1; i >= 0)
+        if (s.isStale(std::size_t(i))) deep_.push_back({&s, 0, i});
+}
+
+void Scene::evaluateDeep(Task const& root) {
     std::size_t const base = deep_.size();
-    deep_.push_back({&root, bits});
+    deep_.push_back(root);
     while (deep_.size() > base) {
         Task const task = deep_.back();
         sg::Node& n = *task.node;
         std::uint64_t const todo = n.dirty & task.bits;
         std::size_t const before = deep_.size();
-        for (std::size_t i = 0; todo && i < n.inputCount; ++i) {
-            Input const& in = n.inputs[i];
-            if ((n.stale & sg::Node::stateBit(i)) && (in.affects & todo) && (in.source->dirty & in.sourceBits))
-                deep_.push_back({in.source, in.sourceBits});
-        }
+        if (task.input >= 0) needSource(n, std::size_t(task.input));
+        for (std::size_t i = 0; todo && i < n.inputCount; ++i)
+            if (n.inputs[i].affects & todo) needSource(n, i);
         if (deep_.size() > before) continue;
         deep_.pop_back();
-        if (todo) n.finish(todo);
+        if (task.input >= 0)
+            n.refreshPlain(*n.inputs[task.input].to, 0);
+        else if (todo)
+            n.update(todo);  // all sources are up to date: it does not recurse
     }
 }
 

@@ -25,39 +25,39 @@ std::uint32_t outputBits(db::Attribute const& a) {
 void Node::valueChanged(db::Attribute& a) { graph().push(*this, a); }
 
 void Node::refreshValue(db::Attribute& a) {
-    if (std::uint32_t const bits = outputBits(a)) {
-        if (dirty & bits) graph().read(*this, bits);
-        return;
-    }
+    if (std::uint32_t const bits = outputBits(a))
+        update(bits);
+    else
+        refreshPlain(a, 0);
+}
+
+void Node::refreshPlain(db::Attribute& a, int depth) {
     int const i = inputOf(a);
-    if (i < 0 || !(stale & stateBit(std::size_t(i)))) return;
-    Input& in = inputs[i];
-    if (in.source->dirty & in.sourceBits) graph().read(*in.source, in.sourceBits);
-    carry(*in.from, a);  // it stays stale: our outputs have not seen it
+    if (i < 0 || !isStale(std::size_t(i))) return;
+    if (depth > Scene::mostDepth) return graph().refreshDeep(*this, i);
+    takeOver(inputs[i], depth);
+    clearStale(std::size_t(i));  // our outputs are out of date and will find the value in place
+    graph().countEvaluation();
 }
 
 void Node::callCompute(db::Attribute& a) {
-    if (std::uint32_t const bits = outputBits(a)) {
-        dirty |= std::uint32_t(1) << a.getDef().outputBit;
-        update(bits);
-    } else
-        refreshValue(a);
+    std::uint32_t const bits = outputBits(a);
+    if (bits) dirty |= std::uint32_t(1) << a.getDef().outputBit;
+    refreshValue(a);
 }
 
-// All sources are up to date: take over and compute.
-void Node::finish(std::uint64_t todo) {
-    std::uint64_t seen = 0, kept = 0;
-    for (std::size_t i = 0; i < inputCount; ++i) {
-        if (!(stale & stateBit(i))) continue;
-        if (inputs[i].affects & todo)
-            carry(*inputs[i].from, *inputs[i].to), seen |= stateBit(i);
-        else
-            kept |= stateBit(i);
+void Node::takeOverLate(std::uint64_t todo, int depth) {
+    bool some = false;
+    for (std::size_t i = lateInput; i < inputCount; ++i) {
+        if (!isStale(i)) continue;
+        if (!(inputs[i].affects & todo)) {
+            some = true;
+            continue;
+        }
+        takeOver(inputs[i], depth);
+        clearStale(i);
     }
-    stale &= ~(seen & ~kept);
-    dirty &= ~todo;
-    graph().countEvaluation();
-    compute(todo);
+    if (!some) stale &= ~lateBit;
 }
 
 // ---- the lists of edges ----
@@ -75,6 +75,15 @@ std::size_t Node::addInput(Input const& input) {
     return inputCount++;
 }
 
+void Node::swapInputs(std::size_t a, std::size_t b) {
+    bool const staleA = isStale(a), staleB = isStale(b);
+    for (std::size_t i : {a, b}) clearStale(i);
+    std::swap(inputs[a], inputs[b]);
+    std::swap(places[a], places[b]);
+    if (staleA) setStale(b);
+    if (staleB) setStale(a);
+}
+
 OutGroup* Node::groupOf(db::Attribute const& a, bool hierarchy) {
     for (OutGroup& g : outputs)
         if (g.from == &a && g.hierarchy == hierarchy) return &g;
@@ -89,15 +98,27 @@ int Node::inputOf(db::Attribute const& to) const {
 
 // ---- removal and copies ----
 
-void Node::onRemove() {
+template<class Which> void Node::disconnectWhere(Which const& which) {
     Scene& scene = graph();
     for (std::size_t i = inputCount; i-- > 0;)
-        if (places[i].connection) scene.disconnectInput(inputs[i].to);
+        if (i < inputCount && places[i].connection && which(*inputs[i].to)) scene.disconnectInput(inputs[i].to);
     for (std::size_t g = outputs.size(); g-- > 0;)
-        while (g < outputs.size() && !outputs[g].hierarchy && !outputs[g].edges.empty()) {
+        while (g < outputs.size() && outputs[g].from && !outputs[g].hierarchy && which(*outputs[g].from)) {
             Edge const e = outputs[g].edges.back();
             scene.disconnectInput(e.target->inputs[e.input].to);
         }
+}
+
+void Node::onRemove() {
+    disconnectWhere([](db::Attribute const&) { return true; });
+}
+
+void Node::onRemovePart(db::ElementBlock& part) {
+    disconnectWhere([&](db::Attribute const& a) {
+        for (db::Attribute const* at = &a; at && at->has(outside); at = at->block().array)
+            if (&at->block() == &part) return true;
+        return false;
+    });
 }
 
 namespace {
@@ -116,26 +137,39 @@ void copyDynamics(db::Node const& from, db::Node& to) {
     from.getDynamicAttributes(dynamics);
     for (db::Attribute* d : dynamics) {
         db::AttributeDef const& def = d->getDef();
-        to.addDynamic(def.type, def.name, def.initial, def.initialText, def.minimum, def.maximum);
+        db::Attribute* copy = to.addDynamic(def.type, def.name, def.initial, def.initialText, def.minimum, def.maximum);
+        if (copy) copy->block().dynamic->matrix = d->block().dynamic->matrix;
     }
 }
 
+// What is not saved follows from the rest, and from the place in the hierarchy.
 void copyValues(db::Node const& from, db::Node& to) {
     for (std::size_t i = 1; i < from.getAttributeCount(); ++i) {
         db::Attribute& target = *to.getAttribute(i);
-        if (target.getDef().outputBit < 0) target.assign(*from.getAttribute(i));
+        if (target.getDef().isSaved()) target.assign(*from.getAttribute(i));
     }
 }
 
-// References to nodes that were copied too lead to the copies.
-void remapPointer(CopyOf const& copies, db::Attribute& a) {
+template<class Array> void remapElements(CopyOf const& copies, Array& array) {
+    for (std::size_t i = 0; i < array.size(); ++i)
+        if (db::Attribute* target = array.getValue()[i].getRef())
+            if (db::Attribute* c = counterpart(copies, *target)) array.setElement(db::AttributeHandle(c), i);
+}
+
+// References to what was copied too lead to the copies.
+void remapPointers(CopyOf const& copies, db::Attribute& a) {
     if (db::PointerAttribute* p = a.asPointer()) {
         if (db::Attribute* target = p->getValue())
             if (db::Attribute* c = counterpart(copies, *target)) p->setValue(c);
     } else if (db::PointerArrayAttribute* array = a.asPointerArray()) {
-        for (std::size_t i = 0; i < array->size(); ++i)
-            if (db::Attribute* target = array->getElement(i))
-                if (db::Attribute* c = counterpart(copies, *target)) array->setElement(c, i);
+        remapElements(copies, static_cast<db::PointerArrayAttribute::PlainArrayAttribute&>(*array));
+    } else if (db::NodeContainer* nodes = a.asNodeContainer()) {
+        remapElements(copies, *nodes);
+    } else if (db::AttributeArray* elements = a.asAttributeArray()) {
+        for (std::size_t i = 0; i < elements->size(); ++i) remapPointers(copies, *elements->getElement(i));
+    } else if (db::CompositeAttribute* composite = a.asComposite()) {
+        for (std::size_t i = 0; i < composite->getAttributeCount(); ++i)
+            remapPointers(copies, *composite->getAttribute(i));
     }
 }
 
@@ -150,27 +184,46 @@ void connectCopies(Scene& scene, CopyOf const& copies, Node const& original) {
     }
 }
 
+// The copies stand under each other as the originals do, children in their order: first each under the first of its
+// parents that was copied, then under the others.
+void placeCopies(CopyOf const& copies, std::vector<db::Node*> const& originals) {
+    auto firstParent = [&](db::Node const& n) {
+        std::size_t i = 0;
+        while (!copies.count(n.getParent(i))) ++i;
+        return n.getParent(i);
+    };
+    for (bool first : {true, false})
+        for (db::Node const* parent : originals)
+            for (std::size_t i = 0; i < parent->getChildCount(); ++i) {
+                db::Node const& child = *parent->getChild(i);
+                if ((firstParent(child) == parent) != first) continue;
+                Node& copy = *copies.at(&child);
+                copies.at(parent)->addChild(copy);
+                if (first) copy.setName(child.getNodeName());
+            }
+}
+
 }  // namespace
 
 Node* Node::makeCopy(std::wstring const& name) {
+    if (isNotAnObject() || isRemovedNode()) return nullptr;
     std::vector<db::Node*> originals{this};
     getDescendents(originals);
     CopyOf copies;
     for (db::Node* o : originals) {
         auto* copy = static_cast<Node*>(graph().createNode(o->getNodeDef(), o == this ? name : std::wstring()));
-        if (!copy) return nullptr;
-        copies.emplace(o, copy);
-        for (std::size_t i = 0; o != this && i < o->getParentCount(); ++i) {
-            auto const parent = copies.find(o->getParent(i));
-            if (parent != copies.end()) parent->second->addChild(*copy);
+        if (!copy) {
+            for (auto const& [original, made] : copies) made->remove();
+            return nullptr;
         }
-        if (o != this) copy->setName(o->getNodeName());
+        copies.emplace(o, copy);
         copyDynamics(*o, *copy);
         copyValues(*o, *copy);
     }
+    placeCopies(copies, originals);
     for (db::Node* o : originals) {
         Node* copy = copies[o];
-        for (std::size_t i = 1; i < copy->getAttributeCount(); ++i) remapPointer(copies, *copy->getAttribute(i));
+        for (std::size_t i = 1; i < copy->getAttributeCount(); ++i) remapPointers(copies, *copy->getAttribute(i));
         connectCopies(graph(), copies, static_cast<Node const&>(*o));
     }
     return copies[this];

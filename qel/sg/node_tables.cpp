@@ -62,8 +62,7 @@ constexpr db::AttributeDef floats(int n, wchar_t const* name) { return array(n, 
 constexpr Rows nodeRows = {
     text(0, L"Name").doc(L"The object's name, unique among its siblings."),
     boolean(1, L"AllowCompute", true).with(FlagInternal).doc(L"False while a rig is rebuilt: the node does not compute."),
-    // 2 to 7 are kept free for what all nodes may come to share
-    boolean(7, L"Reserved", false).with(db::FlagReserved | FlagHidden | FlagUnsaved | FlagInternal),
+    // 2 to 7 are kept free for what all nodes may come to share: most types begin at 8
 };
 static_assert(isSound(nodeRows, 0));
 
@@ -185,7 +184,7 @@ constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetPa
 
 // ---- constraints ----
 
-constexpr Rows kinematicsTargetRows = {matrix(0, L"Matrix"), real(1, L"Weight", 1)};
+constexpr Rows kinematicsTargetRows = {matrix(0, L"Matrix"), matrix(1, L"Offset"), real(2, L"Weight", 1)};
 constexpr Rows kinematicsTargetElement = {compound(0, L"Target", kinematicsTargetRows)};
 constexpr Rows kinematicsConstraintRows = {
     attributeArray(8, L"InputMatrices", kinematicsTargetElement), matrix(9, L"ParentWorldIn"),
@@ -194,7 +193,7 @@ constexpr Rows kinematicsConstraintRows = {
     matrix(16, L"LocalMatrix"), boolean(17, L"NormalizeWeights", true),
 };
 constexpr Rows aimConstraintRows = {
-    matrix(8, L"WorldIn"), vector(9, L"UpVectorIn"), matrix(10, L"ParentWorldIn"),
+    matrix(8, L"WorldIn"), matrix(9, L"UpVectorIn").doc(L"World matrix of the object that is above."), matrix(10, L"ParentWorldIn"),
     angle(11, L"LocalEulerOutX"), angle(12, L"LocalEulerOutY"), angle(13, L"LocalEulerOutZ"),
 };
 constexpr Rows matrixConversionRows = {
@@ -211,9 +210,16 @@ constexpr Rows mirrorConstraintRows = {
     matrix(18, L"SourceWorldMatrix"), matrix(19, L"InverseWorldMatrix"), matrix(20, L"DrivingWorldMatrix"),
     angle(21, L"RotationX"), angle(22, L"RotationY"), angle(23, L"RotationZ"), integer(24, L"MirrorAxis"),
 };
-constexpr Rows pinRows = {boolean(8, L"Pinned"), matrix(9, L"InputMatrix"), matrix(10, L"PinnedMatrix"), matrix(11, L"OutputMatrix")};
-constexpr Rows notRows = {boolean(8, L"Input"), boolean(9, L"Output", true)};
-constexpr Rows copyMatrixRows = {matrix(8, L"Input"), matrix(9, L"Output")};
+constexpr Rows pinRows = {
+    attributeArray(8, L"InputMatrices", kinematicsTargetElement), matrix(9, L"ParentWorldIn"),
+    pointer(10, L"TranslationXReference"), pointer(11, L"TranslationYReference"), pointer(12, L"TranslationZReference"),
+    pointer(13, L"RotationXReference"), pointer(14, L"RotationYReference"), pointer(15, L"RotationZReference"),
+    pointer(16, L"LocalMatrixReference"), pointer(17, L"WorldMatrixReference"),
+    boolean(19, L"Pinned").doc(L"The pinned object stays where it is."),
+};
+static_assert(isSound(pinRows, 8));
+constexpr Rows notRows = {boolean(6, L"Output", true), boolean(7, L"Input")};
+constexpr Rows copyMatrixRows = {matrix(8, L"Input"), pointer(9, L"OutputReference").doc(L"The matrix that it is copied to.")};
 constexpr Rows floatProductRows = {channel(8, L"Input"), channel(9, L"Factor", 1), channel(10, L"Output")};
 
 // ---- animation ----
@@ -351,7 +357,7 @@ constexpr Rows physicsJointLimitRows = {
     channel(86, L"SoftSwing1Stiffness", 10000), channel(87, L"SoftSwing2Stiffness", 10000), channel(88, L"SoftTwistStiffness", 10000),
 };
 constexpr Rows physicsConstraintRows = {
-    matrix(51, L"TargetInputMatrix"), matrix(52, L"TargetOutputMatrix"), boolean(53, L"ConstraintEnabled", true), integer(54, L"ConstraintMode"),
+    matrix(51, L"TargetInputMatrix"), matrix(52, L"TargetOutputMatrix"), boolean(53, L"ConstraintEnabled", true), db::row::value(54, L"ConstraintMode", T::Enumeration),
     channel(55, L"TargetBlendWeight", 1), boolean(56, L"ShowCurrentFrame"), boolean(57, L"ShowTargetFrame"),
     angle(58, L"WorkingRotationX"), angle(59, L"WorkingRotationY"), angle(60, L"WorkingRotationZ"),
     boolean(61, L"TranslationXActive", true), boolean(62, L"TranslationYActive", true), boolean(63, L"TranslationZActive", true),

@@ -1,6 +1,7 @@
 #include "qel/sg/scene.h"
 #include "qel/utils/text.h"
-#include <functional>
+#include <algorithm>
+#include <set>
 
 namespace sg {
 
@@ -28,7 +29,7 @@ sg::Node* Scene::findNode(std::wstring const& path, sg::Node const* below) const
     std::wstring_view rest = path;
     while (at && !rest.empty()) {
         std::size_t const bar = std::min(rest.find(L'|'), rest.size());
-        at = at->findChild(rest.substr(0, bar));
+        at = bar + 1 == rest.size() ? nullptr : at->findChild(rest.substr(0, bar));  // something stands behind a bar
         rest.remove_prefix(std::min(bar + 1, rest.size()));
     }
     return at == below ? nullptr : static_cast<sg::Node*>(const_cast<db::Node*>(at));
@@ -81,23 +82,28 @@ private:
     std::vector<std::wstring_view> parts_;
 };
 
+// A node below several parents is reached on several ways: it is given once, and looked below once for each state.
 void findByPath(Scene const& scene, std::wstring const& pattern, std::vector<Node*>& out) {
     PathMatcher const matcher(pattern);
     struct Level {
-        db::Node* next;
+        db::Node const* parent;
+        std::size_t next;
         std::vector<bool> state;  // of the parent
     };
-    std::vector<Level> levels{{scene.db::Node::getChild(0), matcher.start()}};
+    std::set<std::pair<db::Node const*, std::vector<bool>>> seen;
+    std::set<db::Node const*> given;
+    std::vector<Level> levels{{&scene, 0, matcher.start()}};
     while (!levels.empty()) {
-        db::Node* n = levels.back().next;
+        db::Node* n = levels.back().parent->getChild(levels.back().next++);
         if (!n) {
             levels.pop_back();
             continue;
         }
-        levels.back().next = n->nextSibling();
         std::vector<bool> state = matcher.step(levels.back().state, n->getNodeName());
-        if (matcher.accepts(state)) out.push_back(static_cast<Node*>(n));
-        if (!matcher.isDead(state)) levels.push_back({n->getChild(0), std::move(state)});
+        bool const shared = n->getParentCount() > 1;
+        if (shared && !seen.emplace(n, state).second) continue;
+        if (matcher.accepts(state) && (!shared || given.insert(n).second)) out.push_back(static_cast<Node*>(n));
+        if (!matcher.isDead(state)) levels.push_back({n, 0, std::move(state)});
     }
 }
 
@@ -131,21 +137,25 @@ void Scene::listAllNodes(std::vector<sg::Node*>& out) const {
 }
 
 void Scene::getPathNames(db::Attribute const& a, std::vector<std::wstring>& out) const {
-    std::vector<std::wstring> paths;
-    std::function<void(db::Node const*, std::wstring const&)> climb = [&](db::Node const* n, std::wstring const& tail) {
-        std::wstring const path = tail.empty() ? n->getNodeName() : n->getNodeName() + L"|" + tail;
-        if (n->getParentCount() == 0) paths.push_back(path);
-        for (std::size_t i = 0; i < n->getParentCount(); ++i) climb(n->getParent(i), path);
+    struct Way {
+        db::Node const* top;
+        std::wstring below;
     };
-    db::Node const& n = a.node();
-    bool severalWays = false;
-    for (db::Node const* up = &n; up && !severalWays; up = up->getParent()) severalWays = up->getParentCount() > 1;
-    if (severalWays)
-        climb(&n, {});
-    else
-        paths.push_back(n.getPath());
     std::wstring const local = a.getLocalPathName();
-    for (std::wstring& p : paths) out.push_back(local.empty() ? p : p + L"." + local);
+    std::vector<Way> ways{{&a.node(), local.empty() ? local : L"." + local}};
+    while (!ways.empty()) {
+        Way way = std::move(ways.back());
+        ways.pop_back();
+        db::Node const* n = way.top;
+        std::size_t parents = n->getParentCount();
+        std::vector<std::wstring const*> names{&n->getNodeName()};
+        for (; parents == 1; parents = n->getParentCount()) names.push_back(&(n = n->getParent())->getNodeName());
+        std::wstring path;
+        for (std::size_t i = names.size(); i-- > 0;) path += *names[i] + (i > 0 ? L"|" : L"");
+        path += way.below;
+        if (parents == 0) out.push_back(path);
+        for (std::size_t i = parents; i-- > 0;) ways.push_back({n->getParent(i), L"|" + path});
+    }
 }
 
 }  // namespace sg

@@ -20,7 +20,7 @@ enum ConnectionResult : int {
     KindsDiffer,       // no conversion between the kinds
     InputTaken,        // and `replace` was not given
     WouldMakeCycle,
-    NotConnectable,  // the target is computed by its node
+    NotConnectable,  // the target is computed by its node, or has no node that evaluates
 };
 
 class Scene : public db::Database {
@@ -41,14 +41,16 @@ public:
     void getPathNames(db::Attribute const& a, std::vector<std::wstring>& out) const;  // one for each way from the top
 
     // ---- connections ----
-    // The value of `from` flows into `to` from now on. A message goes to the log where it is refused.
+    // The value of `from` flows into `to` from now on. A message goes to the log where it is refused. Numbers convert
+    // into each other as by a cast, other kinds must be the same; compounds of like children are connected child by
+    // child.
     ConnectionResult connect(db::Attribute* from, db::Attribute* to, bool replace = true, bool quiet = false);
     bool disconnect(db::Attribute* a);        // inputs and outputs; false when there were none
     bool disconnectInput(db::Attribute* to);  // the last value stays
     bool disconnectOutputs(db::Attribute* from);
     db::Attribute* getInputAttribute(db::Attribute const* to) const;  // what feeds it directly, or null
     void getOutputAttributes(db::Attribute const* from,
-                             std::vector<db::Attribute*>& out) const;  // in order of connecting
+                             std::vector<db::Attribute*>& out) const;  // as connected; a gap is filled by the last
     std::size_t getOutputCount(db::Attribute const* from) const;
     // What its value is made of, one step back: the source that feeds it, or the inputs of its node that affect it.
     void getAffectingAttributes(db::Attribute const* a, std::vector<db::Attribute*>& out) const;
@@ -63,9 +65,14 @@ public:
     void attach(db::Attribute& from, db::Attribute& to, Connection* connection, std::int64_t edge, std::int64_t input);
     std::pair<std::uint32_t, std::uint32_t> detach(db::Attribute& to);
     void push(sg::Node& n, db::Attribute& a);
-    void read(sg::Node& n, std::uint64_t bits) { n.update(bits); }
-    void updateDeep(sg::Node& n, std::uint64_t bits);
+    static constexpr int mostDepth = 200;  // beyond it evaluation goes on without recursion
+    void updateDeep(sg::Node& n, std::uint64_t bits) { evaluateDeep({&n, bits, -1}); }
+    void refreshDeep(sg::Node& n, int input) { evaluateDeep({&n, 0, input}); }
     void countEvaluation() { ++evaluations_; }
+    // Would a value that flows from the one to the other come back to where it starts? Attribute by attribute: a.tx to
+    // b.tx and b.world to a matrix of a that does not move tx is legal. Every parent of a node counts, as its world
+    // matrix may come to depend on each when others go.
+    bool wouldCycle(db::Attribute const& from, db::Attribute const& to);
 
     void listConnections(std::vector<ConnectionRecord>& out) const override;
     bool loadConnection(ConnectionRecord const& c) override;
@@ -79,49 +86,51 @@ private:
     struct Task {
         sg::Node* node;
         std::uint64_t bits;
+        int input;  // to bring up to date that one; -1: the outputs in `bits`
     };
-    bool wouldCycle(db::Attribute const& from, db::Attribute const& to);
+    ConnectionResult check(db::Attribute* from, db::Attribute* to, bool replace, wchar_t const*& why);
+    ConnectionResult connectChildren(db::CompositeAttribute& from, db::CompositeAttribute& to, bool replace,
+                                     bool quiet);
+    db::Attribute* inputOfCompound(db::CompositeAttribute const& to) const;
+    void evaluateDeep(Task const& root);
+    void needSource(sg::Node& n, std::size_t input);
     void pushGroup(OutGroup& g);
     void pushEdges(OutGroup& g);
+    void queue(sg::Node& n, std::uint64_t bits);
+    void queue(sg::Node& n, db::Attribute const& plain);
     void spread();
     void makePlan(OutGroup& g);
     void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
 
     std::uint64_t structure_ = 1;  // moves on with each connection made or broken
     std::uint64_t evaluations_ = 0;
-    std::vector<Task> stack_, deep_;
+    std::vector<OutGroup*> stack_;
+    std::vector<Task> deep_;
     std::uint32_t mark_ = 0;
 };
 
 // The bits of the outputs that `a` is, or needs when it is read; 0 of a plain attribute.
 std::uint32_t outputBits(db::Attribute const& a);
 
+inline void Node::takeOver(Input& i, int depth) {
+    if (i.sourceBits) {
+        if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
+    } else if (i.from->has(db::Attribute::live))
+        i.source->refreshPlain(*i.from, depth + 1);
+    carry(*i.from, *i.to);
+}
+
 inline void Node::update(std::uint64_t bits, int depth) {
     std::uint64_t const todo = dirty & bits;
     if (!todo) return;
-    if (depth > 200) return graph().updateDeep(*this, bits);
-    for (std::uint64_t s = stale; s; s &= s - 1) {
-        std::size_t const first = std::size_t(__builtin_ctzll(s));
-        if (first == 63) break;
-        Input& i = inputs[first];
+    if (depth > Scene::mostDepth) return graph().updateDeep(*this, bits);
+    for (std::uint64_t s = stale & ~lateBit; s; s &= s - 1) {
+        Input& i = inputs[std::size_t(__builtin_ctzll(s))];
         if (!(i.affects & todo)) continue;
-        if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
-        carry(*i.from, *i.to);
+        takeOver(i, depth);
         stale &= ~(s & -s);
     }
-    if (stale >> 63) {  // all inputs from the 64th on share that bit, so it stays until every output has seen them
-        bool all = true;
-        for (std::size_t k = 63; k < inputCount; ++k) {
-            Input& i = inputs[k];
-            if (!(i.affects & todo)) {
-                all = false;
-                continue;
-            }
-            if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
-            carry(*i.from, *i.to);
-        }
-        if (all) stale &= ~(1ull << 63);
-    }
+    if (stale & lateBit) takeOverLate(todo, depth);
     dirty &= ~todo;
     graph().countEvaluation();
     compute(todo);

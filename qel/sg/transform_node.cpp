@@ -26,6 +26,12 @@ void TransformBaseNode::onPlaceChanged(bool linked) {
         graph().attach(parent->at<db::Attribute>(WorldMatrix), parentWorld, nullptr, -1, -1);
 }
 
+bool TransformBaseNode::canBeParentOf(db::Node const& child) const {
+    if (!RenderableNode::canBeParentOf(child)) return false;
+    return !child.isOfType(Def) ||
+           !graph().wouldCycle(at<db::Attribute>(WorldMatrix), child.at<db::Attribute>(ParentWorldMatrix));
+}
+
 TransformInputs TransformNode::getInputs() {
     update(getNodeDef().needs(0));
     TransformInputs in;

@@ -28,6 +28,8 @@ public:
     explicit TransformBaseNode(db::NodeDef const& def) : RenderableNode(def, inputRoom_, std::size(inputRoom_)) {}
     void compute(std::uint64_t todo) override;
     void onPlaceChanged(bool linked) override;
+    // Not where this world matrix depends on that of the child: evaluation could never end.
+    bool canBeParentOf(db::Node const& child) const override;
 
 protected:
     virtual void prepare() {}  // `preparedBit`: what seldom changes
