@@ -29,7 +29,7 @@ struct RandomDocuments : ::testing::TestWithParam<unsigned> {
 TEST_P(RandomDocuments, AreTheSameBytesAfterUndoAndRedo) {
     std::string const empty = saved(scene);
     RandomScene edits(scene, GetParam());
-    for (int i = 0; i < 20000 / shortened; ++i) edits.edit();
+    for (int i = 0; i < 100000 / shortened; ++i) edits.edit();
     edits.finish();
     while (scene.redo()) {}
     std::string const last = saved(scene);
@@ -52,7 +52,7 @@ TEST_P(RandomDocuments, AreTheSameBytesAfterSavingAndLoading) {
         Loaded const result = load(other, document);
         ASSERT_TRUE(result.ok) << std::string(result.error.begin(), result.error.end()) << "\n" << document;
         ASSERT_EQ(saved(other), document);
-        ASSERT_EQ(readings(other), readings(scene));
+        ASSERT_EQ(readings(other), readings(scene)) << document;
         ASSERT_EQ(saved(scene), document) << "reading changed it";
     }
 }

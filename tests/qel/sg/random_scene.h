@@ -115,8 +115,7 @@ private:
                 a = c->getAttribute(below(c->getAttributeCount()));
             }
         }
-        bool const computed = a && a->getDef().outputBit >= 0;
-        return toWrite && (computed || (a && a->getDef().hasFlag(db::FlagReserved))) ? nullptr : a;
+        return toWrite && a && !a->getDef().isSaved() ? nullptr : a;
     }
 
     Node* create() {
@@ -164,8 +163,8 @@ private:
         if (db::AttributeArray* inner = array.empty() ? nullptr : array[0]->asAttributeArray()) elements(*inner);
     }
     void connect() {
-        db::Attribute* to = attribute(false);
-        if (below(4) == 0) return void(scene_.disconnect(to));
+        db::Attribute* to = attribute(true);
+        if (below(4) == 0) return to ? void(scene_.disconnectInput(to)) : void();
         for (int tries = 0; tries < 6; ++tries)
             if (scene_.connect(attribute(false), to, true, true) == Connected) return;
     }
