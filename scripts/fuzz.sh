@@ -14,7 +14,7 @@ for target in "$build"/bin/fuzz_*; do
     mkdir -p "$found" "$build/crashes"
     corpora=("$found")
     [[ -d $source_dir/fuzz/corpus/$name ]] && corpora+=("$source_dir/fuzz/corpus/$name")
-    options=(-max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -print_final_stats=1
+    options=(-max_total_time="$seconds" -timeout=20 -rss_limit_mb=512 -print_final_stats=1
         -artifact_prefix="$build/crashes/$name-")
     [[ -f $source_dir/fuzz/$name.dict ]] && options+=(-dict="$source_dir/fuzz/$name.dict")
     echo "== $name, $seconds s"

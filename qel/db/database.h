@@ -112,18 +112,25 @@ public:
     ChangeSet& changes() { return *set_; }
     bool isReplaying() const { return replaying_; }
     Node* createDetached(NodeDef const& def);  // outside the hierarchy, without a name; recorded like any other
-    int takeIDs(std::size_t count, void* owner, bool isElement);
+    // The first of so many ids: `wanted` where it and those behind it are free, otherwise behind all that were taken.
+    int takeIDs(std::size_t count, void* owner, bool isElement, int wanted = -1);
     void releaseIDs(int firstID, void const* owner);
     // ---- for loading: nothing of it is recorded ----
     virtual std::unique_ptr<Database> makeEmpty() const { return std::make_unique<Database>(); }  // of the same kind
     // Takes over all that `other` holds, which was made by makeEmpty and told to nobody, in place of its own content
     // and history. What is listed as removed stays readable until the next telling ends.
     void adopt(Database& other);
-    // A node with the id it had, or null when the id is taken. `parent` null: at the top; `detached`: nowhere.
+    // A node with the id it had if that is free. `parent` null: at the top; `detached`: nowhere. Null as of createNode.
     Node* createForLoading(NodeDef const& def, int id, std::wstring const& name, Node* parent, bool detached = false);
-    int nextFreeID() const { return int(pages_.size() << pageBits); }
-    bool addParentForLoading(Node& child, Node& parent);
-    bool setElementIDForLoading(ElementBlock& block, int id);  // false when it is taken; the block keeps what it has
+    // Behind those it has. False when one of them can't be: it stands twice, is the node itself or takes no children.
+    bool addParentsForLoading(Node& child, std::vector<Node*> const& parents);
+    void orderChildrenForLoading(Node& parent, std::vector<Node*> const& children);  // the listed ones last, in order
+    Node* findCycle() const;     // a node that is below itself, or below such a one; null: the hierarchy is sound
+    void keepIDsBelow(int end);  // for those that want them: others get ids from there on
+    // ---- for saving ----
+    int endOfIDs() const;  // no node, element or dynamic attribute has an id from there on
+    // Depth first; each below its primary parent, and so behind it.
+    void listByPrimaryParent(std::vector<Node*>& out) const;
     Preserved& preserved() { return preserved_; }
     Preserved const& preserved() const { return preserved_; }
     // Connections belong to the graph above, which saves and restores them through these.
@@ -144,7 +151,7 @@ protected:
     virtual void customiseChangeSet(ChangeSet&) {}
     virtual void notifyObservers(ChangeSet const& set, bool transient);
     virtual void postCommit() {}
-    virtual void onAdopted() {}  // the content was replaced
+    virtual void onAdopted(Database& /*other*/) {}  // its content replaced the own one
 
 private:
     friend class Attribute;
@@ -186,8 +193,8 @@ private:
     void free(Node& n);
     void retireContent();
     Node* construct(NodeDef const& def);
-    bool areIDsFree(int id, std::size_t count) const;
-    void claimIDs(int id, std::size_t count, std::uintptr_t owner);
+    bool areIDsFree(int id, std::size_t pages) const;
+    bool hasRoomFor(NodeDef const& def) const;
     Node* findChildOf(Node const& parent, std::wstring_view name, Node const* except = nullptr) const;
 
     static constexpr int pageBits = 4;  // a block takes whole pages of 16 ids

@@ -3,8 +3,9 @@
 // column, and leaves the database as it was.
 //
 // Loading restores ids, names, the hierarchy, values, dynamic attributes and connections, forgets the history and
-// cannot be undone. Nodes of a type that is not known here, and attributes that a type does not have, are kept as they
-// stand and written again. An id that is no longer free is replaced.
+// cannot be undone. Nodes of a type that is not known here, attributes that a type does not have, and connections to
+// those are kept as they stand and written again. An id that is no longer free, because a type has grown, is replaced,
+// wherever the file refers to it.
 #pragma once
 #include "qel/db/streams.h"
 #include <string>
@@ -27,7 +28,8 @@ public:
 
 class LoaderXML : public Loader {
 public:
-    static constexpr int mostLevels = 10000;  // of the hierarchy
+    static constexpr int mostLevels = 10000;  // of the hierarchy; the saver writes no more either
+    static constexpr int mostElements = 200;  // open at once: what is not known is kept with all that it holds
 
     explicit LoaderXML(InputStream& stream, int = 0, ReferenceResolver* = nullptr) : stream_(stream) {}
     bool load(Attribute& root) override;  // `root`: a database

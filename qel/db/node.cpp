@@ -46,6 +46,11 @@ std::size_t Node::getParentCount() const {
     return count;
 }
 
+void Node::getParents(std::vector<Node*>& out) const {
+    if (!getParent()) return;
+    for (ChildLink const* l = &place_; l; l = l->nextParent) out.push_back(l->parent);
+}
+
 Node* Node::getChild(std::size_t i) const {
     if (i >= childCount_) return nullptr;
     if (i == 0) return firstChild_->child;
@@ -164,12 +169,12 @@ DynamicDef::DynamicDef(AttributeType type, std::wstring name_, double const* ini
 
 // In no list yet; null when the kind or the name won't do.
 ElementBlock* Node::makeDynamic(AttributeType type, std::wstring const& name, double const* initial,
-                                std::wstring const& text, double minimum, double maximum) {
+                                std::wstring const& text, double minimum, double maximum, int id) {
     bool const plain = type != AttributeType::None && !isCompoundType(type) && type != AttributeType::Node &&
                        type != AttributeType::AttributeArray;
-    if (!plain || name.empty() || removed_ || findAttribute(name)) return nullptr;
+    if (!plain || name.empty() || removed_) return nullptr;
     auto* dynamic = new DynamicDef(type, name, initial, text, minimum, maximum);
-    ElementBlock* block = ElementBlock::make(*this, *dynamic->layout, nullptr, dynamic);
+    ElementBlock* block = ElementBlock::make(*this, *dynamic->layout, nullptr, dynamic, id);
     if (!dynamics_) dynamics_ = std::make_unique<std::vector<ElementBlock*>>();
     block->index = std::uint32_t(dynamics_->size());
     return block;
@@ -177,28 +182,12 @@ ElementBlock* Node::makeDynamic(AttributeType type, std::wstring const& name, do
 
 Attribute* Node::addDynamic(AttributeType type, std::wstring const& name, double const* initial,
                             std::wstring const& text, double minimum, double maximum) {
-    ElementBlock* block = makeDynamic(type, name, initial, text, minimum, maximum);
+    ElementBlock* block = findAttribute(name) ? nullptr : makeDynamic(type, name, initial, text, minimum, maximum);
     if (!block) return nullptr;
     auto edit = std::make_unique<StructureEdits::Dynamic>(*this, *block, false);
     edit->toggle(*database_);
     database_->record(std::move(edit));
     return &block->attribute();
-}
-
-Attribute* Node::addDynamicForLoading(AttributeType type, std::wstring const& name, double const* initial,
-                                      std::wstring const& text, double minimum, double maximum, int id) {
-    ElementBlock* block = makeDynamic(type, name, initial, text, minimum, maximum);
-    if (!block) return nullptr;
-    dynamics_->push_back(block);
-    database_->setElementIDForLoading(*block, id);
-    return &block->attribute();
-}
-
-Attribute* AttributeArray::appendForLoading(int id) {
-    ElementBlock* e = ElementBlock::make(node(), elementLayout(), this, nullptr);
-    exchangeElements(size(), 0, {e});
-    getDatabase()->setElementIDForLoading(*e, id);
-    return &e->attribute();
 }
 
 namespace {
@@ -218,6 +207,22 @@ Attribute* withMatrix(Attribute* a, Qelp::Matrix34 const& m) {
 }
 
 }  // namespace
+
+// A name that is a path only since an element stands there is no hindrance: it was none when the attribute was added.
+Attribute* Node::addDynamicForLoading(AttributeType type, std::wstring const& name, std::vector<double> const& initial,
+                                      std::wstring const& text, double minimum, double maximum, int id) {
+    auto const bearsName = [&](ElementBlock const* b) { return b->dynamic->name == name; };
+    if (layout().find(name) >= 0 || (dynamics_ && std::any_of(dynamics_->begin(), dynamics_->end(), bearsName)))
+        return nullptr;
+    double const* four = initial.size() == 4 ? initial.data() : nullptr;
+    ElementBlock* block = makeDynamic(type, name, four, text, minimum, maximum, id);
+    if (!block) return nullptr;
+    dynamics_->push_back(block);
+    if (initial.size() != 16) return &block->attribute();
+    Qelp::Matrix34 m;
+    for (std::size_t i = 0; i < 16; ++i) m.m[i / 4][i % 4] = float(initial[i]);
+    return withMatrix(&block->attribute(), m);
+}
 
 Attribute* Node::addDynamicBool(std::wstring const& name, bool v) {
     return addDynamic(AttributeType::Boolean, name, one(v).v);
@@ -263,11 +268,11 @@ void Node::getDynamicAttributes(std::vector<Attribute*>& out) const {
 
 // ---- elements ----
 
-ElementBlock* ElementBlock::make(Node& node, Layout const& layout, AttributeArray* array, DynamicDef* dynamic) {
+ElementBlock* ElementBlock::make(Node& node, Layout const& layout, AttributeArray* array, DynamicDef* dynamic, int id) {
     void* memory = ::operator new(layout.size, std::align_val_t(16));
     auto* block = new (memory) ElementBlock{&node, &layout, array, dynamic};
     layout.construct(static_cast<char*>(memory), true);
-    block->firstID = node.getDatabase()->takeIDs(layout.rows.size(), block, true);
+    block->firstID = node.getDatabase()->takeIDs(layout.rows.size(), block, true, id);
     return block;
 }
 
@@ -283,6 +288,12 @@ void ElementBlock::destroy(ElementBlock* block) {
 void ElementBlock::setRemoved(bool on) {
     removed = on;
     if (slot) slot->generation = (slot->generation & ~1u) | (on ? 1u : 0u);
+}
+
+Attribute* AttributeArray::appendForLoading(int id) {
+    ElementBlock* e = ElementBlock::make(node(), elementLayout(), this, nullptr, id);
+    exchangeElements(size(), 0, {e});
+    return &e->attribute();
 }
 
 AttributeArray::~AttributeArray() {

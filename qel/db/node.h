@@ -95,7 +95,8 @@ public:
     // ---- hierarchy ----
     Node* getParent(std::size_t i = 0) const;  // null at the top; 0 is the primary parent
     std::size_t getParentCount() const;
-    Node* getChild(std::size_t i) const;  // null beyond the end
+    void getParents(std::vector<Node*>& out) const;  // the primary one first
+    Node* getChild(std::size_t i) const;             // null beyond the end
     std::size_t getChildCount() const { return childCount_; }
     Node* findChild(std::wstring_view name) const;
     void getDescendents(std::vector<Node*>& out) const;  // depth first, each once
@@ -127,8 +128,8 @@ public:
     Attribute* addDynamicStringArray(std::wstring const& name, std::wstring const& initial);
     Attribute* addDynamicVector3Array(std::wstring const& name, Qelp::Vector3 const& initial);
     Attribute* addDynamicMatrix34Array(std::wstring const& name, Qelp::Matrix34 const& initial);
-    // Without record, and with the id it had if that is free.
-    Attribute* addDynamicForLoading(AttributeType type, std::wstring const& name, double const* initial,
+    // Without record, and with the id it had if that is free. `initial`: four numbers, sixteen of a matrix, or none.
+    Attribute* addDynamicForLoading(AttributeType type, std::wstring const& name, std::vector<double> const& initial,
                                     std::wstring const& text, double minimum, double maximum, int id);
     void getDynamicAttributes(std::vector<Attribute*>& out) const;
     std::size_t dynamicCount() const { return dynamics_ ? dynamics_->size() : 0; }
@@ -153,7 +154,7 @@ public:
 
 protected:
     ElementBlock* makeDynamic(AttributeType type, std::wstring const& name, double const* initial,
-                              std::wstring const& text, double minimum, double maximum);
+                              std::wstring const& text, double minimum, double maximum, int id = -1);
 
     friend class Attribute;
     friend class ChangeSet;
@@ -199,8 +200,9 @@ struct ElementBlock {
     Attribute& attribute() {
         return *reinterpret_cast<Attribute*>(reinterpret_cast<char*>(this) + layout->rows[0].offset);
     }
-    // Takes ids, but is in no list yet.
-    static ElementBlock* make(Node& node, Layout const& layout, AttributeArray* array, DynamicDef* dynamic);
+    // Takes ids, `id` if that is free, but is in no list yet.
+    static ElementBlock* make(Node& node, Layout const& layout, AttributeArray* array, DynamicDef* dynamic,
+                              int id = -1);
     static void destroy(ElementBlock* block);
     void setRemoved(bool on);
 };

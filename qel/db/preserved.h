@@ -1,7 +1,7 @@
 // What a file held that this program does not know: kept with the document and written again.
 #pragma once
-#include <map>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -9,24 +9,31 @@ namespace db {
 
 // An element of a file, as it stood.
 struct PreservedElement {
-    std::string name, text;
-    std::vector<std::pair<std::string, std::string>> attributes;
+    std::string name;
+    std::wstring text;
+    std::vector<std::pair<std::string, std::wstring>> attributes;
     std::vector<PreservedElement> children;
 };
 
-struct PreservedNode {
-    std::string type, nameSpace;  // of a node whose type is not known; empty otherwise
-    std::vector<PreservedElement> elements;
+struct PreservedType {
+    std::wstring type, nameSpace;
 };
 
+// A connection to or from an attribute that its node does not have here.
 struct PreservedConnection {
+    struct End {
+        int node;
+        std::wstring attribute;
+    };
     int id;
-    std::string from, to;
+    End from, to;
 };
 
 struct Preserved {
-    std::map<int, PreservedNode> nodes;  // by id
+    std::unordered_map<int, PreservedType> types;                     // by node, of those whose type is not known
+    std::unordered_map<int, std::vector<PreservedElement>> elements;  // by node or element of an attribute array
     std::vector<PreservedConnection> connections;
+    int endOfIDs = 0;  // of the file: what is not known here may own ids as well
 };
 
 }  // namespace db

@@ -1,88 +1,163 @@
 #include "qel/db/saver_xml.h"
 #include "qel/db/database.h"
+#include "qel/db/loader_xml.h"
 #include "qel/db/value_text.h"
 #include "qel/utils/text.h"
+#include <unordered_set>
 
 namespace db {
 namespace {
 
+// The names of the compounds around an attribute, up to the node or element that is written.
+struct Path {
+    Path const* outer;
+    wchar_t const* name;
+    std::wstring text() const { return outer ? outer->text() + L"." + name : name; }
+};
+
+// The row of a dynamic attribute, before it was given anything to start from.
+bool hasPlainInitial(AttributeDef const& def) {
+    bool const isRotation = def.type == AttributeType::Quaternion || def.type == AttributeType::QuaternionArray;
+    double const plain[4] = {0, 0, 0, isRotation ? 1.0 : 0.0};
+    return std::equal(plain, plain + 4, def.initial);
+}
+
 class Document {
 public:
-    Document(Database const& database, OutputStream& stream) : database_(database), out_(stream) {}
+    Document(Database const& database, OutputStream& stream) :
+        database_(database), preserved_(database.preserved()), out_(stream) {}
 
     bool write() {
         out_.startElement("tavo");
         out_.attribute("format", SaverXML::formatVersion);
         out_.attribute("name", database_.getDatabaseName());
+        out_.attribute("ids", std::max(database_.endOfIDs(), preserved_.endOfIDs));
         std::vector<Node*> nodes;
-        database_.getDescendents(nodes);
-        for (Node const* n : nodes) writeNode(*n);
+        database_.listByPrimaryParent(nodes);
+        findMixed(nodes);
+        for (Node const* n : nodes)
+            if (isInReach(*n)) writeNode(*n);
         writeConnections();
         out_.endElement();
-        return out_.finish();
+        return error_.empty() && out_.finish();
     }
-    std::wstring const& error() const { return out_.error(); }
+    std::wstring const& error() const { return error_.empty() ? out_.error() : error_; }
 
 private:
+    // Parents of nodes that have several: the order of their children does not follow from that of the file.
+    void findMixed(std::vector<Node*> const& nodes) {
+        std::vector<Node*> parents;
+        for (Node const* n : nodes) {
+            parents.clear();
+            n->getParents(parents);
+            if (parents.size() > 1) mixed_.insert(parents.begin(), parents.end());
+        }
+    }
+
+    // What can't be read again is not written.
+    bool isInReach(Node const& n) {
+        while (!above_.empty() && above_.back() != n.getParent()) above_.pop_back();
+        above_.push_back(&n);
+        if (int(above_.size()) > LoaderXML::mostLevels)
+            error_ = L"The hierarchy is more than " + std::to_wstring(LoaderXML::mostLevels) + L" levels deep";
+        return error_.empty();
+    }
+
     void writeNode(Node const& n) {
-        auto const kept = database_.preserved().nodes.find(n.getID());
-        PreservedNode const* preserved = kept == database_.preserved().nodes.end() ? nullptr : &kept->second;
-        bool const foreign = preserved && !preserved->type.empty();
+        auto const foreign = preserved_.types.find(n.getID());
         out_.startElement("node");
         out_.attribute("id", n.getID());
-        out_.attribute("type", foreign ? preserved->type : Qelutils::toUtf8(n.getClassID()));
-        std::string const space = foreign ? preserved->nameSpace : Qelutils::toUtf8(n.getNodeDef().getNamespace());
-        if (space != "sg") out_.attribute("space", space);
+        if (foreign == preserved_.types.end())
+            writeType(n.getClassID(), n.getNodeDef().getNamespace());
+        else
+            writeType(foreign->second.type, foreign->second.nameSpace);
         out_.attribute("name", n.getNodeName());
-        if (Node const* parent = n.getParent()) out_.attribute("parent", parent->getID());
-        if (n.getParentCount() > 1) writeFurtherParents(n);
-        int const count = n.layout().topLevelCount;
-        for (int i = 1; i < count; ++i) writeAttribute(*n.getAttribute(std::size_t(i)), {});
+        writePlace(n);
+        writeRows(n);
         std::vector<Attribute*> dynamics;
         n.getDynamicAttributes(dynamics);
         for (Attribute const* d : dynamics) writeDynamic(*d);
-        if (preserved)
-            for (PreservedElement const& e : preserved->elements) writePreserved(e);
+        writePreserved(n.getID());
         out_.endElement();
     }
 
-    void writeFurtherParents(Node const& n) {
-        std::string ids;
-        for (std::size_t i = 1; i < n.getParentCount(); ++i)
-            ids += (i > 1 ? " " : "") + std::to_string(n.getParent(i)->getID());
-        out_.attribute("parents", ids);
+    void writeType(std::wstring const& type, std::wstring const& space) {
+        out_.attribute("type", type);
+        if (space != L"sg") out_.attribute("space", space);
     }
 
-    static bool isWorthWriting(Attribute const& a) {
-        return a.getDef().isSaved() && !(a.has(Attribute::live) && !a.isCompound()) && !a.isDefaultValue();
+    void writePlace(Node const& n) {
+        std::vector<Node*> related;
+        n.getParents(related);
+        if (!related.empty()) out_.attribute("parent", related[0]->getID());
+        if (related.size() > 1) writeIDs("parents", {related.begin() + 1, related.end()});
+        if (!mixed_.count(&n)) return;
+        related.clear();
+        for (std::size_t i = 0; i < n.getChildCount(); ++i) related.push_back(n.getChild(i));
+        writeIDs("children", related);
     }
 
-    void writeAttribute(Attribute const& a, std::wstring const& prefix) {
-        if (!a.getDef().isSaved()) return;
-        std::wstring const name = prefix + a.getDef().name;
-        if (CompositeAttribute const* c = a.asComposite()) {
-            for (std::size_t i = 0; i < c->getAttributeCount(); ++i) writeAttribute(*c->getAttribute(i), name + L".");
-        } else if (AttributeArray const* array = a.asAttributeArray()) {
-            for (std::size_t i = 0; i < array->size(); ++i) writeElement(*array->getElement(i), name);
-        } else if (isWorthWriting(a)) {
+    void writeIDs(char const* name, std::vector<Node*> const& nodes) {
+        std::vector<int> ids;
+        for (Node const* n : nodes) ids.push_back(n->getID());
+        out_.attribute(name, ids);
+    }
+
+    // ---- attributes ----
+
+    static bool isWorthWriting(Attribute const& a) { return !a.has(Attribute::live) && !isInitialValue(a); }
+
+    void writeRows(Node const& n) {
+        Layout const& layout = n.getNodeDef().layout();
+        for (int i = 1; i < layout.topLevelCount; ++i)
+            writeAttribute(n.at<Attribute>(i), *layout.rows[std::size_t(i)].def, nullptr);
+    }
+
+    void writeAttribute(Attribute const& a, AttributeDef const& def, Path const* outer) {
+        if (!def.isSaved()) return;
+        Path const path{outer, def.name};
+        if (CompositeAttribute const* c = a.asComposite())
+            writeChildren(*c, &path);
+        else if (AttributeArray const* array = a.asAttributeArray())
+            writeElements(*array, &path);
+        else if (isWorthWriting(a)) {
             out_.startElement("a");
-            out_.attribute("n", name);
+            writeName(&path);
             writeValue(out_, a);
             out_.endElement();
         }
     }
 
-    void writeElement(Attribute const& element, std::wstring const& name) {
-        out_.startElement("e");
-        out_.attribute("n", name);
-        out_.attribute("id", element.getID());
-        if (CompositeAttribute const* c = element.asComposite()) {
-            for (std::size_t i = 0; i < c->getAttributeCount(); ++i) writeAttribute(*c->getAttribute(i), {});
-        } else if (AttributeArray const* array = element.asAttributeArray()) {
-            for (std::size_t i = 0; i < array->size(); ++i) writeElement(*array->getElement(i), {});
-        } else if (isWorthWriting(element)) {
-            writeValue(out_, element);
+    void writeName(Path const* path) {
+        if (path && !path->outer)
+            out_.attribute("n", path->name);
+        else if (path)
+            out_.attribute("n", path->text());
+    }
+
+    void writeChildren(CompositeAttribute const& c, Path const* outer) {
+        for (std::size_t i = 0; i < c.getAttributeCount(); ++i) {
+            Attribute const& child = *c.getAttribute(i);
+            writeAttribute(child, child.getDef(), outer);
         }
+    }
+
+    void writeElements(AttributeArray const& array, Path const* path) {
+        for (std::size_t i = 0; i < array.size(); ++i) writeElement(*array.getElement(i), path);
+    }
+
+    // A text is written even if it is that of a new element, since an empty one could not be told from it.
+    void writeElement(Attribute const& element, Path const* path) {
+        out_.startElement("e");
+        writeName(path);
+        out_.attribute("id", element.getID());
+        if (CompositeAttribute const* c = element.asComposite())
+            writeChildren(*c, nullptr);
+        else if (AttributeArray const* array = element.asAttributeArray())
+            writeElements(*array, nullptr);
+        else if (isWorthWriting(element) || (element.isString() && !element.has(Attribute::live)))
+            writeValue(out_, element);
+        writePreserved(element.getID());
         out_.endElement();
     }
 
@@ -94,23 +169,41 @@ private:
         out_.attribute("id", d.getID());
         if (def.minimum > -1e308) out_.attribute("minimum", def.minimum);
         if (def.maximum < 1e308) out_.attribute("maximum", def.maximum);
-        if (def.initialText[0])
-            out_.attribute("initial", def.initialText);
-        else if (def.initial[0] != 0 || def.initial[1] != 0 || def.initial[2] != 0)
-            out_.attribute("initial", std::span<double const>(def.initial, 4));
+        writeInitial(def);
         if (!d.has(Attribute::live)) writeValue(out_, d);
         out_.endElement();
     }
 
+    void writeInitial(AttributeDef const& def) {
+        bool const isText = def.type == AttributeType::String || def.type == AttributeType::StringArray;
+        bool const isMatrix = def.type == AttributeType::Matrix || def.type == AttributeType::MatrixArray;
+        if (isText && def.initialText[0])
+            out_.attribute("initial", def.initialText);
+        else if (isMatrix && *def.initialMatrix != Qelp::Matrix34())
+            out_.attribute("initial", std::span<float const>(def.initialMatrix->m[0], 16));
+        else if (!isText && !isMatrix && !hasPlainInitial(def))
+            out_.attribute("initial", std::span<double const>(def.initial, 4));
+    }
+
+    // ---- what is not known ----
+
+    void writePreserved(int id) {
+        auto const kept = preserved_.elements.find(id);
+        if (kept == preserved_.elements.end()) return;
+        for (PreservedElement const& e : kept->second) writePreserved(e);
+    }
+
     void writePreserved(PreservedElement const& e) {
         out_.startElement(e.name);
-        for (auto const& [name, value] : e.attributes) out_.attribute(name, std::string_view(value));
-        if (e.children.empty() && !e.text.empty()) out_.text(std::string_view(e.text));
+        for (auto const& [name, value] : e.attributes) out_.attribute(name, value);
+        if (e.children.empty() && !e.text.empty()) out_.text(e.text);
         for (PreservedElement const& child : e.children) writePreserved(child);
         out_.endElement();
     }
 
-    template<class T> void writeConnection(int id, T const& from, T const& to) {
+    // ---- connections ----
+
+    void writeConnection(int id, std::wstring const& from, std::wstring const& to) {
         out_.startElement("connection");
         out_.attribute("id", id);
         out_.attribute("from", from);
@@ -121,12 +214,22 @@ private:
     void writeConnections() {
         std::vector<Database::ConnectionRecord> connections;
         database_.listConnections(connections);
-        for (auto const& c : connections) writeConnection(c.id, referenceTo(c.from), referenceTo(c.to));
-        for (PreservedConnection const& c : database_.preserved().connections) writeConnection(c.id, c.from, c.to);
+        for (auto const& c : connections) {
+            std::wstring const from = referenceTo(c.from, database_), to = referenceTo(c.to, database_);
+            if (!from.empty() && !to.empty()) writeConnection(c.id, from, to);
+        }
+        auto const text = [](auto const& end) { return std::to_wstring(end.node) + L"." + end.attribute; };
+        for (PreservedConnection const& c : preserved_.connections)
+            if (database_.lookupNode(c.from.node) && database_.lookupNode(c.to.node))
+                writeConnection(c.id, text(c.from), text(c.to));
     }
 
     Database const& database_;
+    Preserved const& preserved_;
     XMLWriter out_;
+    std::wstring error_;
+    std::vector<Node const*> above_;
+    std::unordered_set<Node const*> mixed_;
 };
 
 }  // namespace

@@ -2,15 +2,18 @@
 // hierarchy; inside stand the attributes whose value differs from the default of their row. What is computed or
 // connected is not written: the connections are. The same document always gives the same bytes.
 //
-//     <tavo format="1" name="scene">
-//       <node id="16" type="Joint" name="hips" parent="0">
+//     <tavo format="1" name="scene" ids="336">
+//       <node id="16" type="Joint" name="hips" children="144 240">
 //         <a n="TranslationX">1.5</a>  <a n="Colour.Red">0.3</a>  <e n="Layers" id="320"><a n="Label">base</a></e>
-//         <d n="custom" type="4">2</d>
+//         <d n="custom" type="4" id="128">2</d>
 //       </node>
+//       <node id="144" type="Joint" name="knee" parent="16" parents="240"/>
 //       <connection id="96" from="64.OutputValue" to="16.TranslationX"/>
 //     </tavo>
 //
-// References are a node's id, or id and local path joined with ".".
+// References are a node's id, or id and local path joined with ".". No id reaches "ids". "parents" are those behind the
+// primary one; "children" stands where some child has several parents, and gives the order of all. Types that are not
+// in the namespace "sg" say so in "space".
 #pragma once
 #include "qel/db/streams.h"
 #include <string>

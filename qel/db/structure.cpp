@@ -7,11 +7,12 @@ namespace db {
 
 // ---- ids ----
 
-int Database::takeIDs(std::size_t count, void* owner, bool isElement) {
+int Database::takeIDs(std::size_t count, void* owner, bool isElement, int wanted) {
     std::size_t const pages = (count + (1u << pageBits) - 1) >> pageBits;
-    int const first = int(pages_.size() << pageBits);
-    pages_.insert(pages_.end(), pages, reinterpret_cast<std::uintptr_t>(owner) | (isElement ? 1u : 0u));
-    return first;
+    std::size_t const first = areIDsFree(wanted, pages) ? std::size_t(wanted) >> pageBits : pages_.size();
+    if (pages_.size() < first + pages) pages_.resize(first + pages);
+    std::fill_n(pages_.begin() + long(first), pages, reinterpret_cast<std::uintptr_t>(owner) | (isElement ? 1u : 0u));
+    return int(first << pageBits);
 }
 
 void Database::releaseIDs(int firstID, void const* owner) {
@@ -82,9 +83,13 @@ Node* Database::construct(NodeDef const& def) {
     return n;
 }
 
-Node* Database::createDetached(NodeDef const& def) {
+bool Database::hasRoomFor(NodeDef const& def) const {
     std::size_t const most = std::size_t(firstDatabaseID) >> pageBits;
-    if (def.isAbstract() || pages_.size() + (def.layout().rows.size() >> pageBits) + 1 >= most) return nullptr;
+    return !def.isAbstract() && pages_.size() + (def.layout().rows.size() >> pageBits) + 1 < most;
+}
+
+Node* Database::createDetached(NodeDef const& def) {
+    if (!hasRoomFor(def)) return nullptr;
     Node* n = construct(def);
     n->firstID_ = takeIDs(def.layout().rows.size() + 1, n, false);
     set_->addAdded(*n);
@@ -277,115 +282,6 @@ void Database::giveName(Node& n, std::wstring name) {
     noteWrite(n.nameAttribute());
     reindexName(n, name);
     if (n.nameAttribute().has(Attribute::feeds)) n.valueChanged(n.nameAttribute());
-}
-
-// ---- loading ----
-
-// History and nodes go; what is listed as removed stays readable until the telling ends.
-void Database::retireContent() {
-    dropRedo();
-    while (!items_.empty()) {
-        dropItem(items_.front(), false);
-        items_.pop_front();
-    }
-    done_ = 0;
-    checkpoint_ = ~0ull;
-    ++telling_;
-    for (Record const& r : journal_)
-        if (r.subject) r.subject->clear(Attribute::recorded);
-    dropRecords(journal_.data(), journal_.size(), false);
-    journal_.clear();
-    blockStart_ = 0;
-    std::vector<Node*> all;
-    listNodes(all);
-    for (Node* n : all) {
-        set_->addRemoved(*n);
-        retire(*n);
-        graveyard_.push_back(n);
-        n->removed_ = true;
-    }
-    --telling_;
-    retired_.push_back({std::exchange(graveyard_, {}), std::exchange(pools_, {})});
-    pages_.clear();
-    nodeCount_ = 0;
-}
-
-void Database::adopt(Database& other) {
-    retireContent();
-    pages_ = std::exchange(other.pages_, {});
-    pools_ = std::exchange(other.pools_, {});
-    names_ = std::exchange(other.names_, {});
-    stems_ = {};
-    nodeCount_ = std::exchange(other.nodeCount_, 0);
-    preserved_ = std::exchange(other.preserved_, {});
-    name_ = other.name_;
-    firstChild_ = std::exchange(other.firstChild_, nullptr);
-    lastChild_ = std::exchange(other.lastChild_, nullptr);
-    childCount_ = std::exchange(other.childCount_, 0);
-    childIndex_.reset();
-    other.set_ = std::make_unique<ChangeSet>();
-    std::vector<Node*> all;
-    listNodes(all);
-    for (Node* n : all) {
-        n->database_ = this;
-        n->clear(listed);
-        set_->addAdded(*n);
-    }
-    for (ChildLink* l = firstChild_; l; l = l->next) {  // those at the top are told by their parent's id
-        l->parent = this;
-        names_.erase(l->nameHash, l->child->firstID_);
-        l->nameHash = NameTable::hash(firstID_, l->child->getNodeName());
-        if (!l->child->getNodeName().empty()) names_.insert(l->nameHash, l->child->firstID_);
-    }
-    onAdopted();
-}
-
-Node* Database::createForLoading(NodeDef const& def, int id, std::wstring const& name, Node* parent, bool detached) {
-    if (def.isAbstract() || !areIDsFree(id, def.layout().rows.size() + 1)) return nullptr;
-    Node* n = construct(def);
-    n->firstID_ = id;
-    claimIDs(id, def.layout().rows.size() + 1, reinterpret_cast<std::uintptr_t>(n));
-    set_->addAdded(*n);
-    if (detached) return n;
-    n->nameAttribute().raw() = makeUniqueName(parent, name);
-    link(n->place_, parent ? *parent : *this, nullptr);
-    return n;
-}
-
-bool Database::addParentForLoading(Node& child, Node& parent) {
-    if (!parent.canBeParentOf(child)) return false;
-    auto* l = new ChildLink{&child, &parent, nullptr, nullptr, nullptr, 0};
-    ChildLink* last = &child.place_;
-    while (last->nextParent) last = last->nextParent;
-    last->nextParent = l;
-    link(*l, parent, nullptr);
-    return true;
-}
-
-bool Database::setElementIDForLoading(ElementBlock& block, int id) {
-    if (block.firstID == id) return true;
-    if (!areIDsFree(id, block.layout->rows.size())) return false;
-    releaseIDs(block.firstID, &block);
-    block.firstID = id;
-    claimIDs(id, block.layout->rows.size(), reinterpret_cast<std::uintptr_t>(&block) | 1);
-    return true;
-}
-
-// Ids beyond this are refused: a broken file must not make the table of ids grow without bound.
-constexpr int mostIDsAhead = 1 << 27;
-
-bool Database::areIDsFree(int id, std::size_t count) const {
-    if (id < 0 || (id & ((1 << pageBits) - 1)) || id > mostIDsAhead) return false;
-    std::size_t const first = std::size_t(id) >> pageBits, end = (std::size_t(id) + count + 15) >> pageBits;
-    for (std::size_t p = first; p < std::min(end, pages_.size()); ++p)
-        if (pages_[p]) return false;
-    return true;
-}
-
-void Database::claimIDs(int id, std::size_t count, std::uintptr_t owner) {
-    std::size_t const first = std::size_t(id) >> pageBits, end = (std::size_t(id) + count + 15) >> pageBits;
-    if (pages_.size() < end) pages_.resize(end);
-    for (std::size_t p = first; p < end; ++p) pages_[p] = owner;
 }
 
 }  // namespace db

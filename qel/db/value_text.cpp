@@ -1,4 +1,5 @@
 #include "qel/db/value_text.h"
+#include "qel/db/database.h"
 #include "qel/db/xml_text.h"
 #include <cstring>
 
@@ -44,6 +45,16 @@ template<class A> bool readListOfFloats(Attribute& a, std::string_view text) {
     return true;
 }
 
+// Bit for bit, so that -0 is told from 0 and not a number is itself.
+template<class T> bool sameFloats(T const& a, T const& b) {
+    return std::memcmp(&a, &b, sizeof(float) * (std::is_floating_point_v<T> ? 1 : floatsOf<T>)) == 0;
+}
+bool sameFloats(double const& a, double const& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+template<class A> bool hasInitialFloats(Attribute const& a) {
+    return sameFloats(static_cast<A const&>(a).raw(), initialValue<typename A::Value>(a.getDef()));
+}
+
 template<class A> bool readNumber(Attribute& a, std::string_view text) {
     return parseXMLNumber(text, static_cast<A&>(a).raw());
 }
@@ -55,12 +66,20 @@ template<class A, class T> bool readNumbers(Attribute& a, std::string_view text)
     return true;
 }
 
+bool readBooleans(Attribute& a, std::string_view text) {
+    std::vector<int> values;
+    if (!parseXMLNumbers(text, values)) return false;
+    a.asBoolArray()->raw().clear();
+    for (int value : values) a.asBoolArray()->raw().push_back(value != 0);
+    return true;
+}
+
 template<class A> auto const& rawOf(Attribute const& a) { return static_cast<A const&>(a).raw(); }
 
-void writeReferences(XMLWriter& out, std::vector<AttributeHandle> const& targets) {
+void writeReferences(XMLWriter& out, std::vector<AttributeHandle> const& targets, Database const& database) {
     for (AttributeHandle const& target : targets) {
         out.startElement("r");
-        out.text(referenceTo(target.getRef()));
+        out.text(referenceTo(target.getRef(), database));
         out.endElement();
     }
 }
@@ -80,10 +99,25 @@ template<class A> void writeArrayOfFloats(XMLWriter& out, Attribute const& a) {
 
 }  // namespace
 
-std::wstring referenceTo(Attribute const* target) {
-    if (!target || target->isRemoved()) return {};
-    std::wstring const id = std::to_wstring(target->getParentNode()->getID());
+std::wstring referenceTo(Attribute const* target, Database const& database) {
+    if (!target || target->isRemoved() || target->getDatabase() != &database || target->isDatabase()) return {};
+    Node const& n = *target->getParentNode();
+    if (n.isNotAnObject()) return {};
+    std::wstring const id = std::to_wstring(n.getID());
     return target->isNode() ? id : id + L"." + target->getLocalPathName();
+}
+
+bool isInitialValue(Attribute const& a) {
+    switch (a.getAttributeType()) {
+    case AttributeType::Float: return hasInitialFloats<FloatAttribute>(a);
+    case AttributeType::Double: return hasInitialFloats<DoubleAttribute>(a);
+    case AttributeType::Vector3: return hasInitialFloats<Vector3Attribute>(a);
+    case AttributeType::Matrix: return hasInitialFloats<Matrix34Attribute>(a);
+    case AttributeType::Quaternion: return hasInitialFloats<QuaternionAttribute>(a);
+    case AttributeType::Pointer: return referenceTo(a.asPointer()->raw().getRef(), *a.getDatabase()).empty();
+    case AttributeType::String: return a.asString()->raw() == a.getDef().initialText;
+    default: return a.isDefaultValue();
+    }
 }
 
 void writeValue(XMLWriter& out, Attribute const& a) {
@@ -97,7 +131,7 @@ void writeValue(XMLWriter& out, Attribute const& a) {
     case AttributeType::Vector3: return writeFloats(out, &a.asVector3()->raw(), 1);
     case AttributeType::Matrix: return writeFloats(out, &a.asMatrix34()->raw(), 1);
     case AttributeType::Quaternion: return writeFloats(out, &a.asQuaternion()->raw(), 1);
-    case AttributeType::Pointer: return out.text(referenceTo(a.asPointer()->raw().getRef()));
+    case AttributeType::Pointer: return out.text(referenceTo(a.asPointer()->raw().getRef(), *a.getDatabase()));
     case AttributeType::IntegerArray: return out.values(rawOf<IntArrayAttribute>(a));
     case AttributeType::EnumerationArray: return out.values(rawOf<EnumArrayAttribute>(a));
     case AttributeType::FloatArray: return out.values(rawOf<FloatArrayAttribute>(a));
@@ -110,8 +144,8 @@ void writeValue(XMLWriter& out, Attribute const& a) {
     case AttributeType::Vector3Array: return writeArrayOfFloats<Vector3ArrayAttribute>(out, a);
     case AttributeType::MatrixArray: return writeArrayOfFloats<Matrix34ArrayAttribute>(out, a);
     case AttributeType::QuaternionArray: return writeArrayOfFloats<QuaternionArrayAttribute>(out, a);
-    case AttributeType::PointerArray: return writeReferences(out, rawOf<PointerArrayAttribute>(a));
-    case AttributeType::NodeContainer: return writeReferences(out, rawOf<NodeContainer>(a));
+    case AttributeType::PointerArray: return writeReferences(out, rawOf<PointerArrayAttribute>(a), *a.getDatabase());
+    case AttributeType::NodeContainer: return writeReferences(out, rawOf<NodeContainer>(a), *a.getDatabase());
     default: return;
     }
 }
@@ -131,7 +165,7 @@ bool readValue(Attribute& a, std::string_view text) {
     case AttributeType::EnumerationArray: return readNumbers<EnumArrayAttribute, int>(a, text);
     case AttributeType::FloatArray: return readNumbers<FloatArrayAttribute, float>(a, text);
     case AttributeType::DoubleArray: return readNumbers<DoubleArrayAttribute, double>(a, text);
-    case AttributeType::BooleanArray: return readNumbers<BoolArrayAttribute, int>(a, text);
+    case AttributeType::BooleanArray: return readBooleans(a, text);
     case AttributeType::Vector3Array: return readListOfFloats<Vector3ArrayAttribute>(a, text);
     case AttributeType::MatrixArray: return readListOfFloats<Matrix34ArrayAttribute>(a, text);
     case AttributeType::QuaternionArray: return readListOfFloats<QuaternionArrayAttribute>(a, text);

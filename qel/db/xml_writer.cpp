@@ -26,10 +26,6 @@ constexpr std::size_t deepestIndentation =
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 constexpr bool isNameCharacter(char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '.' || c == '-'; }
 
-bool isName(std::string_view name) {
-    return !name.empty() && isLetter(name[0]) && std::all_of(name.begin(), name.end(), isNameCharacter);
-}
-
 // ASCII characters that stand in a file as they are, between tags and between quotes.
 constexpr std::array<bool, 128> plainTable = [] {
     std::array<bool, 128> plain{};
@@ -99,6 +95,10 @@ XMLWriter::XMLWriter(OutputStream& stream) : stream_(stream), buffer_(new char[b
 }
 
 // ---- Elements
+
+bool XMLWriter::isName(std::string_view name) {
+    return !name.empty() && isLetter(name[0]) && std::all_of(name.begin(), name.end(), isNameCharacter);
+}
 
 void XMLWriter::startElement(std::string_view name) {
     if (!ok()) return;

@@ -28,6 +28,7 @@ class XMLWriter {
 public:
     explicit XMLWriter(OutputStream& stream);
 
+    static bool isName(std::string_view name);  // may name an element or attribute
     void startElement(std::string_view name);
     void endElement();
 

@@ -10,6 +10,13 @@ Scene::~Scene() { destruct(); }
 
 db::NodeDef const* Scene::unknownNodeDef() const { return &UnknownNode::Def; }
 
+// The nodes that came bear the other scene's counts: ours must be ahead of both.
+void Scene::onAdopted(db::Database& other) {
+    auto const& o = static_cast<Scene const&>(other);
+    structure_ = std::max(structure_, o.structure_) + 1;
+    mark_ = std::max(mark_, o.mark_);
+}
+
 sg::Node* Scene::makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace) {
     db::NodeDef const* def = db::Registry::getInstance().getNodeDef(nameSpace, type);
     if (!def || def == &Connection::Def) return nullptr;

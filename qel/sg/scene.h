@@ -89,7 +89,7 @@ public:
     std::unique_ptr<db::Database> makeEmpty() const override { return std::make_unique<Scene>(); }
 
 protected:
-    void onAdopted() override { ++structure_; }
+    void onAdopted(db::Database& other) override;
 
 private:
     struct Task {
