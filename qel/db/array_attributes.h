@@ -108,8 +108,7 @@ public:
         return none;
     }
     bool setElement(Element value, std::size_t i) {  // false beyond the end
-        if (i >= raw().size()) return false;
-        beforeWrite();
+        if (i >= raw().size() || !beforeWrite()) return false;
         keepPage(i);
         body_->values[i] = std::move(value);
         afterWrite();
@@ -119,15 +118,14 @@ public:
     void setValue(Element const* values, std::size_t count) { setValue(std::vector<T>(values, values + count)); }
     void add(Element value) { insert(std::move(value), raw().size()); }
     bool insert(Element value, std::size_t i) {  // false beyond the end
-        if (i > raw().size()) return false;
-        beforeWrite();
+        if (i > raw().size() || !beforeWrite()) return false;
         std::vector<T>& v = body().values;
         v.insert(v.begin() + long(i), T(std::move(value)));
         noteSplice(i, 1, {});
         return true;
     }
     bool removeAt(std::size_t i) override {
-        if (i >= raw().size()) return false;
+        if (i >= raw().size() || isRemoved()) return false;
         splice(i, 1, {});
         return true;
     }
@@ -172,7 +170,7 @@ private:
         return *body_;
     }
     void keepPage(std::size_t i) {
-        if (!has(recorded) || body_->open->covers(i)) return;
+        if (body_->open->covers(i)) return;
         Body& b = *body_;
         std::size_t const p = i / History::page;
         if (b.kept.size() <= p / 64) b.kept.resize((b.values.size() / History::page) / 64 + 1);
@@ -182,14 +180,12 @@ private:
         b.open->keepPage(b.values, p);
     }
     void noteSplice(std::size_t at, std::size_t inserted, std::vector<T> old) {
-        if (has(recorded)) {
-            if (body_->open->hasOpenPages()) body_->kept.clear();  // places moved: pages start anew
-            body_->open->keepSplice(at, inserted, std::move(old));
-        }
+        if (body_->open->hasOpenPages()) body_->kept.clear();  // places moved: pages start anew
+        body_->open->keepSplice(at, inserted, std::move(old));
         afterWrite();
     }
     void splice(std::size_t at, std::size_t removed, std::vector<T> inserted) {
-        beforeWrite();
+        if (!beforeWrite()) return;
         std::vector<T>& v = body().values;
         std::size_t const count = inserted.size();
         std::vector<T> out;

@@ -86,9 +86,7 @@ bool Attribute::isRemoved() const {
 bool Attribute::remove() {
     if (isRemoved() || isDatabase()) return false;
     if (isNode()) {
-        preRemove(true);
         node().database_->removeNode(node());
-        postRemove(true);
         return true;
     }
     if (!has(outside) || row() != 0) return false;
@@ -103,7 +101,7 @@ bool Attribute::remove() {
 
 // ---- writes and reads ----
 
-void Attribute::noteWrite() { node().database_->noteWrite(*this); }
+bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
 void Attribute::valueChanged() { node().valueChanged(*this); }
 void Attribute::refreshValue() const { node().refreshValue(const_cast<Attribute&>(*this)); }
 

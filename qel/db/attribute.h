@@ -3,6 +3,7 @@
 // which row of the type it is, of what kind, and what must happen on a read or a write.
 //
 // Writes are recorded: the first write to an attribute in a change block keeps the old value, later ones only write.
+// What was removed by an earlier step takes no writes: the history that keeps it alive would not bring them back.
 // Reads of an attribute that is computed or connected first bring it up to date; all others are a load.
 #pragma once
 #include "qel/db/attribute_def.h"
@@ -143,13 +144,13 @@ public:
     int row() const { return int(bits_ >> numberShift & 1023); }
     Slot* anchor() const;  // of its block: what handles attach to
 
-    void noteWrite();  // what beforeWrite() does the first time
+    bool noteWrite();  // what beforeWrite() does the first time
 
 protected:
     Attribute(AttributePlace place, AttributeType kind) :
         bits_(place.back | place.number << numberShift | std::uint32_t(kind) << kindShift |
               (place.outside ? outside : 0u)) {}
-    inline void beforeWrite();
+    inline bool beforeWrite();  // false: removed, the write must not happen
     inline void afterWrite();
     inline void refresh() const;
 
@@ -166,9 +167,7 @@ private:
 };
 
 // The first write of a block is noted, and told to the graph only where something depends on the attribute.
-inline void Attribute::beforeWrite() {
-    if ((bits_ & (recorded | listed)) != (recorded | listed)) noteWrite();
-}
+inline bool Attribute::beforeWrite() { return (bits_ & (recorded | listed)) == (recorded | listed) || noteWrite(); }
 inline void Attribute::afterWrite() {
     if (has(feeds)) valueChanged();
 }

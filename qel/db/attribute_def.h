@@ -2,6 +2,7 @@
 // memory layout, defaults, persistence, names, units and what a write makes out of date. Rows are literals, written
 // with the functions at the end of this file, checked when they are compiled, and never copied.
 #pragma once
+#include "qel/utils/values.h"
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -64,6 +65,7 @@ public:
     unsigned flags = 0;
     double initial[4] = {0, 0, 0, 0};  // of a number, a vector, a quaternion; and of a new element of an array
     wchar_t const* initialText = L"";
+    Qelp::Matrix34 const* initialMatrix = nullptr;  // of a matrix; null: the identity
     double minimum = -1e308, maximum = 1e308;
     std::span<wchar_t const* const> strings;  // the words of an enumeration
     std::span<AttributeDef const> children;   // of a compound; of an attribute array: one row, its element

@@ -5,11 +5,11 @@ namespace db {
 
 bool ChangeSet::hasChanged(Attribute const* attribute, bool children, bool) const {
     if (!attribute) return false;
-    if (!isSorted_) {
+    if (sortedCount_ != attributes_.size() + nodes_.size()) {
         sorted_.assign(attributes_.begin(), attributes_.end());
         sorted_.insert(sorted_.end(), nodes_.begin(), nodes_.end());
         std::sort(sorted_.begin(), sorted_.end());
-        isSorted_ = true;
+        sortedCount_ = sorted_.size();
     }
     if (std::binary_search(sorted_.begin(), sorted_.end(), attribute)) return true;
     if (!children) return false;
@@ -23,11 +23,12 @@ bool ChangeSet::hasChanged(Attribute const* attribute, bool children, bool) cons
 
 std::vector<Node*> const& ChangeSet::ChangedNodes(int typeID) const {
     static std::vector<Node*> const none;
-    if (!isGrouped_) {
+    if (groupedCount_ != nodes_.size()) {
+        byType_.clear();
         for (Node* n : nodes_) byType_[n->getNodeDef().getTypeID()].push_back(n);
         for (auto& [id, nodes] : byType_)
             std::sort(nodes.begin(), nodes.end(), [](Node const* a, Node const* b) { return a->getID() < b->getID(); });
-        isGrouped_ = true;
+        groupedCount_ = nodes_.size();
     }
     auto const it = byType_.find(typeID);
     return it == byType_.end() ? none : it->second;
@@ -48,17 +49,24 @@ void ChangeSet::addNode(Node& n) {
     nodes_.push_back(&n);
 }
 
+void ChangeSet::enter(std::vector<Node*>& list, Node& n, std::uint8_t bit) {
+    addNode(n);
+    if (n.listedAs_ & bit) return;
+    n.listedAs_ |= bit;
+    list.push_back(&n);
+}
+
 void ChangeSet::close() {
     for (Attribute* a : attributes_) a->clear(Attribute::listed);
-    for (Node* n : nodes_) n->clear(Attribute::listed);
+    for (Node* n : nodes_) n->clear(Attribute::listed), n->listedAs_ = 0;
 }
 
 void ChangeSet::reset() {
     for (auto* list : {&nodes_, &added_, &removed_, &renamed_, &reparented_}) list->clear();
     attributes_.clear();
     removedAttributes_.clear();
-    if (isGrouped_) byType_.clear();
-    isSorted_ = isGrouped_ = false;
+    if (groupedCount_ > 0) byType_.clear();
+    sortedCount_ = groupedCount_ = 0;
 }
 
 }  // namespace db

@@ -33,10 +33,11 @@ public:
     void addAttribute(Attribute& a);  // once each, by its flag; lists its node too
     void addNode(Node& n);
     void addRemovedAttribute(Attribute& a) { removedAttributes_.push_back(&a); }
-    void addAdded(Node& n) { added_.push_back(&n), addNode(n); }
-    void addRemoved(Node& n) { removed_.push_back(&n), addNode(n); }
-    void addRenamed(Node& n) { renamed_.push_back(&n), addNode(n); }
-    void addReparented(Node& n) { reparented_.push_back(&n), addNode(n); }
+    void addAdded(Node& n) { enter(added_, n, 1); }  // these, too, once each
+    void addRemoved(Node& n) { enter(removed_, n, 2); }
+    void addRenamed(Node& n) { enter(renamed_, n, 4); }
+    void addReparented(Node& n) { enter(reparented_, n, 8); }
+    void forgetRemovedAttributes() { removedAttributes_.clear(); }
     void close();  // clears the flags of all that is listed: the set is complete
     void reset();
     bool holds(Attribute const& a) const {
@@ -44,11 +45,14 @@ public:
     }
 
 private:
+    void enter(std::vector<Node*>& list, Node& n, std::uint8_t bit);
+
     std::vector<Attribute*> attributes_, removedAttributes_;
     std::vector<Node*> nodes_, added_, removed_, renamed_, reparented_;
     mutable std::vector<Attribute const*> sorted_;
     mutable std::unordered_map<int, std::vector<Node*>> byType_;
-    mutable bool isSorted_ = false, isGrouped_ = false;
+    // How much of the lists the two indices know: a set may be asked before it is complete.
+    mutable std::size_t sortedCount_ = 0, groupedCount_ = 0;
 };
 
 }  // namespace db

@@ -3,6 +3,7 @@
 #include "qel/db/edits.h"
 #include <atomic>
 #include <cstring>
+#include <utility>
 
 namespace db {
 namespace {
@@ -40,17 +41,15 @@ Database::~Database() { destruct(); }
 
 void Database::destruct() {
     dropRedo();
-    while (!items_.empty()) {  // oldest first
-        dropItem(items_.front(), false);
-        items_.pop_front();
-    }
-    done_ = 0;
+    dropDone();
     dropRecords(journal_.data(), journal_.size(), false);
     journal_.clear();
     telling_ = 0;
     emptyGraveyard();
     for (std::size_t p = 0; p < pages_.size(); ++p)
         if (pages_[p] && !(pages_[p] & 1)) destroy(*reinterpret_cast<Node*>(pages_[p]));
+    if (dynamics_)
+        for (ElementBlock* b : *std::exchange(dynamics_, nullptr)) ElementBlock::destroy(b);
     pages_.clear();
     pools_.clear();
     firstChild_ = lastChild_ = nullptr;
@@ -80,14 +79,16 @@ void Database::endChangeBlock(std::wstring const& label) {
     }
     bool const transient = mode_ == ChangeMode::Transient;
     if (!transient && blockStart_ > 0) relistJournal();
-    if (!set_->empty()) {
-        committing_ = true;
-        customiseChangeSetPreCommit(*set_);
-        onDatabaseChangedPreCommit(*set_, transient);
-        committing_ = false;
-    }
+    if (!set_->empty()) prepareCommit(transient);
     depth_ = 0;
     if (!set_->empty() || (!transient && !journal_.empty())) commit(label, transient);
+}
+
+void Database::prepareCommit(bool transient) {
+    committing_ = true;
+    customiseChangeSetPreCommit(*set_);
+    onDatabaseChangedPreCommit(*set_, transient);
+    committing_ = false;
 }
 
 void Database::cancel() {
@@ -100,8 +101,8 @@ void Database::cancel() {
 void Database::commitTransient() {
     if (depth_ > 0) {
         if (mode_ != ChangeMode::Transient || committing_ || set_->empty()) return;
-        onDatabaseChangedPreCommit(*set_, true);
-        tell(true);
+        prepareCommit(true);
+        if (!set_->empty()) tell(true);
         return;
     }
     if (journal_.empty() && set_->empty()) return;
@@ -111,12 +112,14 @@ void Database::commitTransient() {
     endChangeBlock({});
 }
 
-void Database::noteWrite(Attribute& a) {
+bool Database::noteWrite(Attribute& a) {
+    if (a.isRemoved()) return false;
     if (!a.has(Attribute::recorded)) {
         journal_.push_back({&a, a.remember()});
         a.set(Attribute::recorded);
     }
     set_->addAttribute(a);
+    return true;
 }
 
 void Database::record(std::unique_ptr<Edit> edit) {
@@ -126,15 +129,24 @@ void Database::record(std::unique_ptr<Edit> edit) {
 // ---- commit ----
 
 void Database::commit(std::wstring const& label, bool transient) {
+    ++telling_;  // what the history lets go may still be listed: it dies after the telling
     if (!transient) storeItem(label);
+    --telling_;
     tell(transient);
 }
 
 // What earlier transient blocks left pending belongs to the final set as well, told before or not.
 void Database::relistJournal() {
-    set_->close();
-    set_->reset();
-    for (Record const& r : journal_) r.subject ? set_->addAttribute(*r.subject) : r.edit()->list(*set_);
+    set_->forgetRemovedAttributes();
+    for (Record const& r : journal_) {
+        if (!r.subject) {
+            r.edit()->list(*set_);
+            continue;
+        }
+        set_->addAttribute(*r.subject);
+        StringAttribute const* text = r.subject->asString();
+        if (text && text->isNodeName()) set_->addRenamed(r.subject->node());
+    }
 }
 
 void Database::storeItem(std::wstring const& label) {
@@ -178,6 +190,7 @@ void Database::tell(bool transient) {
 }
 
 void Database::notifyObservers(ChangeSet const& set, bool transient) {
+    ObserverManager::Telling const both(observers_);
     observers_.tell([&](DatabaseObserver& o) { o.onDatabaseChanged(set, transient); });
     observers_.tell([&](DatabaseObserver& o) { o.postDatabaseChanged(set, transient); });
 }
@@ -222,22 +235,14 @@ void Database::rollBack(std::size_t from) {
 void Database::clearUndoHistory() {
     if (depth_ == 0) commitTransient();
     dropRedo();
-    while (done_ > 0) {
-        dropItem(items_.front(), false);
-        items_.pop_front();
-        --done_;
-    }
+    dropDone();
 }
 
-void Database::setCheckpoint() { checkpoint_ = done_ ? items_[done_ - 1].serial : 0; }
-
-bool Database::isAtCheckpoint() const {
-    return journal_.empty() && checkpoint_ == (done_ ? items_[done_ - 1].serial : 0);
-}
+void Database::setCheckpoint() { checkpoint_ = presentState(); }
+bool Database::isAtCheckpoint() const { return journal_.empty() && checkpoint_ == presentState(); }
 
 void Database::setMaxUndoItems(int count) {
     maxItems_ = std::size_t(std::max(0, count));
-    if (maxItems_ == 0) dropRedo();
     trimHistory();
 }
 
@@ -247,20 +252,28 @@ std::size_t Database::getHistoryBytes() const {
     return sum;
 }
 
+void Database::dropOldest() {
+    bottom_ = items_.front().serial;
+    dropItem(items_.front(), false);
+    items_.pop_front();
+    --done_;
+}
+
+void Database::dropNewest() {
+    dropItem(items_.back(), true);
+    items_.pop_back();
+}
+
+void Database::dropDone() {
+    while (done_ > 0) dropOldest();
+}
+
 void Database::dropRedo() {
-    while (items_.size() > done_) {  // newest first
-        dropItem(items_.back(), true);
-        items_.pop_back();
-    }
+    while (items_.size() > done_) dropNewest();
 }
 
 void Database::trimHistory() {
-    while (done_ > maxItems_) {
-        if (checkpoint_ == 0) checkpoint_ = ~0ull;  // the beginning can't be reached any more
-        dropItem(items_.front(), false);
-        items_.pop_front();
-        --done_;
-    }
+    while (items_.size() > maxItems_) done_ > 0 ? dropOldest() : dropNewest();
 }
 
 void Database::dropItem(UndoItem& item, bool undone) {
@@ -268,15 +281,17 @@ void Database::dropItem(UndoItem& item, bool undone) {
     item.count = 0;
 }
 
-// Values first: an edit may free the node that they were written to.
+// Values first: an edit may free the node that they were written to. Then the edits in the order of time, undone ones
+// against it: so that a node goes after what happened inside it.
 void Database::dropRecords(Record* records, std::size_t count, bool undone) {
     for (std::size_t i = 0; i < count; ++i)
         if (records[i].subject) records[i].subject->forget(records[i].old);
-    for (std::size_t i = 0; i < count; ++i)
-        if (!records[i].subject) {
-            records[i].edit()->drop(*this, undone);
-            delete records[i].edit();
-        }
+    for (std::size_t k = 0; k < count; ++k) {
+        Record const& r = records[undone ? count - 1 - k : k];
+        if (r.subject) continue;
+        r.edit()->drop(*this, undone);
+        delete r.edit();
+    }
 }
 
 }  // namespace db

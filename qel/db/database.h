@@ -101,10 +101,11 @@ public:
     ObserverManager& observers() { return observers_; }
     static bool isObserverTimingEnabled() { return timing_; }
     static void setObserverTimingEnabled(bool on) { timing_ = on; }
+    Qelutils::BasicLogger* logger() const { return logger_; }
     void setLogger(Qelutils::BasicLogger* sink) { logger_ = sink, observers_.setLogger(sink); }
 
     // ---- for the classes of this library and the graph ----
-    void noteWrite(Attribute& a);  // keeps its old value and lists it, once each
+    bool noteWrite(Attribute& a);  // keeps its old value and lists it, once each; false: it is removed
     void record(std::unique_ptr<Edit> edit);
     ChangeSet& changes() { return *set_; }
     bool isReplaying() const { return replaying_; }
@@ -119,12 +120,12 @@ public:
     bool addParentForLoading(Node& child, Node& parent);
     bool setElementIDForLoading(ElementBlock& block, int id);  // false when it is taken; the block keeps what it has
     // Connections belong to the graph above, which saves and restores them through these.
-    struct Connected {
+    struct ConnectionRecord {
         int id;
         Attribute *from, *to;
     };
-    virtual void listConnections(std::vector<Connected>&) const {}
-    virtual bool loadConnection(Connected const&) { return false; }
+    virtual void listConnections(std::vector<ConnectionRecord>&) const {}
+    virtual bool loadConnection(ConnectionRecord const&) { return false; }
     // The type that stands in for one that is not known here, so that its nodes survive a load and a save.
     virtual NodeDef const* unknownNodeDef() const { return nullptr; }
     void removeDynamic(ElementBlock& block);
@@ -144,6 +145,7 @@ private:
     friend class StringAttribute;
     friend struct StructureEdits;
 
+    void prepareCommit(bool transient);
     void commit(std::wstring const& label, bool transient);
     void storeItem(std::wstring const& label);
     void tell(bool transient);
@@ -153,8 +155,12 @@ private:
     void rollBack(std::size_t from);
     void dropRecords(Record* records, std::size_t count, bool undone);
     void dropItem(UndoItem& item, bool undone);
+    void dropOldest();
+    void dropNewest();
+    void dropDone();
     void dropRedo();
     void trimHistory();
+    std::uint64_t presentState() const { return done_ ? items_[done_ - 1].serial : bottom_; }
     void emptyGraveyard();
 
     // Structure: the steps that edits toggle. None of them records.
@@ -171,7 +177,7 @@ private:
     Node* construct(NodeDef const& def);
     bool areIDsFree(int id, std::size_t count) const;
     void claimIDs(int id, std::size_t count, std::uintptr_t owner);
-    Node* findChildOf(Node const& parent, std::wstring_view name) const;
+    Node* findChildOf(Node const& parent, std::wstring_view name, Node const* except = nullptr) const;
 
     static constexpr int pageBits = 4;  // a block takes whole pages of 16 ids
     static constexpr int firstDatabaseID = 0x7f000000;
@@ -193,6 +199,7 @@ private:
     std::deque<UndoItem> items_;
     std::size_t done_ = 0, maxItems_ = 100000;
     std::uint64_t nextSerial_ = 1, checkpoint_ = 0;
+    std::uint64_t bottom_ = 0;  // the state below the oldest item
     int depth_ = 0, telling_ = 0;
     ChangeMode mode_ = ChangeMode::Recorded;
     bool replaying_ = false, committing_ = false;

@@ -14,8 +14,9 @@ template<class F> auto withClass(AttributeType type, F const& f) {
         return f(static_cast<class_*>(nullptr));
 #define DB_ROW_KINDS(X)                                                                                                \
     X(Int, IntAttribute, Integer)                                                                                      \
-    X(Bool, BoolAttribute, Boolean) X(Enum, EnumAttribute, Enumeration) X(Float, FloatAttribute, Float)                \
-        X(Double, DoubleAttribute, Double) X(String, StringAttribute, String) X(Vector3, Vector3Attribute, Vector3)    \
+    X(Bool, BoolAttribute, Boolean)                                                                                    \
+    X(Enum, EnumAttribute, Enumeration) X(Float, FloatAttribute, Float) X(Double, DoubleAttribute, Double)             \
+        X(String, StringAttribute, String) X(Vector3, Vector3Attribute, Vector3)                                       \
             X(Matrix34, Matrix34Attribute, Matrix) X(Pointer, PointerAttribute, Pointer)                               \
                 X(Quaternion, QuaternionAttribute, Quaternion) X(IntArray, IntArrayAttribute, IntegerArray)            \
                     X(BoolArray, BoolArrayAttribute, BooleanArray) X(EnumArray, EnumArrayAttribute, EnumerationArray)  \
@@ -59,6 +60,7 @@ Layout::Layout(std::vector<AttributeDef const*> const& topLevel, std::size_t hea
         if (hot) hotEnd = at;
     }
     size = at;
+    for (RowInfo const& r : rows) offsets.push_back(r.offset);
     assert(size < 4096 * 8 && rows.size() < 1024 && "more than an attribute's word can address");
     for (int i = 0; i < topLevelCount; ++i) byName_.emplace(rows[std::size_t(i)].def->name, i);
 }

@@ -27,6 +27,7 @@ public:
     Layout(std::vector<AttributeDef const*> const& topLevel, std::size_t header, std::uint32_t inheritedAffects = 0);
 
     std::vector<RowInfo> rows;
+    std::vector<std::uint32_t> offsets;  // of the rows, once more and dense: for the evaluation
     int topLevelCount = 0;
     std::uint32_t size = 0;    // of the block, in bytes
     std::uint32_t hotEnd = 0;  // the hot attributes end here

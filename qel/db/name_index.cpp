@@ -50,16 +50,21 @@ void NameTable::grow() {
         if (e.id >= 0) place(e);
 }
 
-int StemNumbers::Stem::pop() {
-    if (freed.empty()) return next++;
+void StemNumbers::Stem::pop() {
+    if (freed.empty()) {
+        ++next;
+        return;
+    }
     std::pop_heap(freed.begin(), freed.end(), std::greater<>());
-    int const number = freed.back();
     freed.pop_back();
-    return number;
 }
 
 void StemNumbers::Stem::push(int number) {
     if (number >= next) return;
+    if (freed.size() > 2 * std::size_t(next)) {  // freed again and again, by undo and redo
+        std::sort(freed.begin(), freed.end());
+        freed.erase(std::unique(freed.begin(), freed.end()), freed.end());
+    }
     freed.push_back(number);
     std::push_heap(freed.begin(), freed.end(), std::greater<>());
 }

@@ -48,8 +48,9 @@ public:
     template<class F> int take(int parentID, std::wstring const& stem, F const& taken) {
         Stem& s = stems_[{parentID, stem}];
         for (;;) {
-            int const number = s.pop();
-            if (!taken(number)) return number;
+            int const number = s.first();
+            if (!taken(number)) return number;  // stays the first until someone bears it
+            s.pop();
         }
     }
     // A name went away: "joint12" frees the 12th of "joint" and the 2nd of "joint1".
@@ -69,7 +70,8 @@ private:
     struct Stem {
         int next = 1;
         std::vector<int> freed;  // a heap, the smallest first
-        int pop();
+        int first() const { return freed.empty() ? next : freed.front(); }
+        void pop();
         void push(int number);
     };
     std::unordered_map<Key, Stem, Hash> stems_;

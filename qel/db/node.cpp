@@ -27,6 +27,10 @@ Slot* Node::getAnchor() const {
     return slot_;
 }
 
+std::wstring const& Node::getNodeName() const {
+    return isDatabase() ? database_->getDatabaseName() : nameAttribute().raw();
+}
+
 // ---- hierarchy ----
 
 Node* Node::getParent(std::size_t i) const {
@@ -70,18 +74,25 @@ void Node::getDescendents(std::vector<Node*>& out) const {
 }
 
 bool Node::canBeParentOf(Node const& child) const {
-    if (&child == this || child.isDatabase() || child.database_ != database_ || !supportsChildren() ||
+    if (&child == this || isDatabase() || !child.place_.parent || child.database_ != database_ || !supportsChildren() ||
         child.isNotAnObject())
         return false;
     for (ChildLink const* l = &child.place_; l; l = l->nextParent)
         if (l->parent == this) return false;
-    std::vector<Node const*> above{this};
-    for (std::size_t i = 0; i < above.size(); ++i)  // a node with several parents may be met twice; that is harmless
+    return !child.firstChild_ || !child.isAncestorOf(*this);
+}
+
+bool Node::isAncestorOf(Node const& n) const {
+    std::vector<Node const*> above{&n};
+    std::unordered_map<Node const*, bool> seen;  // only of nodes with several parents: their ancestors are met again
+    for (std::size_t i = 0; i < above.size(); ++i) {
+        if (above[i]->place_.nextParent && !seen.emplace(above[i], true).second) continue;
         for (ChildLink const* l = &above[i]->place_; l && l->parent; l = l->nextParent) {
-            if (l->parent == &child) return false;
+            if (l->parent == this) return true;
             if (!l->parent->isDatabase()) above.push_back(l->parent);
         }
-    return true;
+    }
+    return false;
 }
 
 bool Node::addChild(Node& child) {
@@ -103,7 +114,7 @@ bool Node::addChild(Node& child) {
 bool Node::removeChild(Node& child) {
     ChildLink* l = &child.place_;
     while (l && l->parent != this) l = l->nextParent;
-    if (!l || removed_ || isDatabase()) return false;
+    if (!l || removed_ || child.removed_ || isDatabase()) return false;
     if (l == &child.place_ && !l->nextParent) {
         database_->moveNode(child, *database_);
         return true;
@@ -147,6 +158,7 @@ DynamicDef::DynamicDef(AttributeType type, std::wstring name_, double const* ini
     def = row::array(0, name.c_str(), type);
     def.initialText = text.c_str();
     if (type == AttributeType::Quaternion) def.initial[3] = 1;
+    def.initialMatrix = &matrix;
     for (int i = 0; initial && i < 4; ++i) def.initial[i] = initial[i];
     def.minimum = minimum;
     def.maximum = maximum;
@@ -177,8 +189,12 @@ struct Four {
 Four one(double x) { return {{x, 0, 0, 0}}; }
 Four three(Qelp::Vector3 const& x) { return {{x.x, x.y, x.z, 0}}; }
 
-void setMatrix(Attribute* a, Qelp::Matrix34 const& m) {
-    if (a && a->isMatrix34()) a->asMatrix34()->raw() = m;
+// The definition does not take a matrix when it is made.
+Attribute* withMatrix(Attribute* a, Qelp::Matrix34 const& m) {
+    if (!a) return a;
+    a->block().dynamic->matrix = m;
+    if (a->isMatrix34()) a->asMatrix34()->raw() = m;
+    return a;
 }
 
 }  // namespace
@@ -199,9 +215,7 @@ Attribute* Node::addDynamicVector3(std::wstring const& name, Qelp::Vector3 const
     return addDynamic(AttributeType::Vector3, name, three(v).v);
 }
 Attribute* Node::addDynamicMatrix34(std::wstring const& name, Qelp::Matrix34 const& v) {
-    Attribute* a = addDynamic(AttributeType::Matrix, name);
-    setMatrix(a, v);
-    return a;
+    return withMatrix(addDynamic(AttributeType::Matrix, name), v);
 }
 Attribute* Node::addDynamicBoolArray(std::wstring const& name, bool v) {
     return addDynamic(AttributeType::BooleanArray, name, one(v).v);
@@ -218,8 +232,8 @@ Attribute* Node::addDynamicStringArray(std::wstring const& name, std::wstring co
 Attribute* Node::addDynamicVector3Array(std::wstring const& name, Qelp::Vector3 const& v) {
     return addDynamic(AttributeType::Vector3Array, name, three(v).v);
 }
-Attribute* Node::addDynamicMatrix34Array(std::wstring const& name, Qelp::Matrix34 const&) {
-    return addDynamic(AttributeType::MatrixArray, name);
+Attribute* Node::addDynamicMatrix34Array(std::wstring const& name, Qelp::Matrix34 const& v) {
+    return withMatrix(addDynamic(AttributeType::MatrixArray, name), v);
 }
 
 void Node::getDynamicAttributes(std::vector<Attribute*>& out) const {
@@ -257,20 +271,21 @@ AttributeArray::~AttributeArray() {
 }
 
 Attribute* AttributeArray::insert(unsigned index, bool) {
-    if (index > size()) return nullptr;
+    if (index > size() || isRemoved()) return nullptr;
     ElementBlock* e = ElementBlock::make(node(), elementLayout(), this, nullptr);
     splice(index, 0, {e});
     return &e->attribute();
 }
 
 bool AttributeArray::removeAt(std::size_t index) {
-    if (index >= size()) return false;
+    if (index >= size() || isRemoved()) return false;
     splice(index, 1, {});
     return true;
 }
 
 void AttributeArray::resize(std::size_t count) {
     std::size_t const now = size();
+    if (isRemoved()) return;
     if (count < now) return splice(count, now - count, {});
     std::vector<ElementBlock*> added;
     for (std::size_t i = now; i < count; ++i)

@@ -8,6 +8,10 @@
 #include "qel/db/layout.h"
 #include <deque>
 
+namespace sg {
+struct Input;
+}
+
 namespace db {
 
 // A type of node: its names, its base, its rows. Types live as long as the program.
@@ -94,10 +98,12 @@ public:
     std::size_t getChildCount() const { return childCount_; }
     Node* findChild(std::wstring_view name) const;
     void getDescendents(std::vector<Node*>& out) const;  // depth first, each once
-    // Neither itself, nor one of its ancestors, nor twice the same child; and this node takes children.
+    // Neither itself, nor one of its ancestors, nor twice the same child; and this node takes children. A database
+    // takes none this way, and a node outside the hierarchy has no parents.
     virtual bool canBeParentOf(Node const& child) const;
-    bool addChild(Node& child);     // at the end; a node at the top moves, another gets one more parent
-    bool removeChild(Node& child);  // a node without parents stands at the top
+    bool isAncestorOf(Node const& n) const;  // over any of its parents
+    bool addChild(Node& child);              // at the end; a node at the top moves, another gets one more parent
+    bool removeChild(Node& child);           // a node without parents stands at the top
     Node* nextSibling() const { return place_.parent && place_.next ? place_.next->child : nullptr; }
     Node* previousSibling() const { return place_.parent && place_.previous ? place_.previous->child : nullptr; }
     std::wstring getPath() const;  // the names from the top down, joined with "|"
@@ -124,23 +130,25 @@ public:
     std::size_t dynamicCount() const { return dynamics_ ? dynamics_->size() : 0; }
 
     // ---- what the graph above adds ----
-    virtual void valueChanged(Attribute&) {}  // a written attribute that feeds something
-    virtual void refreshValue(Attribute&) {}  // a read of a computed or connected attribute
-    virtual void onRemove() {}                // about to be removed, still whole: recorded edits are allowed
-    virtual void onLife(bool /*removed*/) {}  // was removed or came back, also by undo: no recorded edits
+    virtual void valueChanged(Attribute&) {}         // a written attribute that feeds something
+    virtual void refreshValue(Attribute&) {}         // a read of a computed or connected attribute
+    virtual void onRemove() {}                       // about to be removed, still whole: recorded edits are allowed
+    virtual void onLife(bool /*removed*/) {}         // was removed or came back, also by undo: no recorded edits
+    virtual void onPlaceChanged(bool /*linked*/) {}  // came to or left its primary parent: no recorded edits
     virtual bool isNotAnObject() const { return false; }  // kept out of the lists of objects
     virtual bool supportsChildren() const { return true; }
 
     // A top-level attribute of known number and class.
     template<class A> A& at(int row) const {
         return *reinterpret_cast<A*>(reinterpret_cast<char*>(const_cast<Node*>(this)) +
-                                     def_->layout().rows[std::size_t(row)].offset);
+                                     def_->layout().offsets[std::size_t(row)]);
     }
 
     bool compare(Attribute const& other) const override { return this == &other; }
 
 protected:
     friend class Attribute;
+    friend class ChangeSet;
     friend class Database;
     friend class CompositeAttribute;
     friend struct StructureEdits;
@@ -152,11 +160,12 @@ protected:
 
 public:
     std::uint64_t dirty = 0, stale = 0;
-    struct Input* inputs = nullptr;
+    sg::Input* inputs = nullptr;
     std::uint16_t inputCount = 0, inputRoom = 0;
 
 protected:
     bool removed_ = false;
+    std::uint8_t listedAs_ = 0;  // a bit per list of the change set that has it
 
     // From here on what only structure asks for.
     ChildLink place_;  // the link to the primary parent, or to the top
@@ -195,6 +204,7 @@ struct DynamicDef {
     DynamicDef(DynamicDef const&) = delete;
 
     std::wstring const name, text;
+    Qelp::Matrix34 matrix;  // the initial value of the matrix kinds
     AttributeDef def;
     std::unique_ptr<Layout const> layout;
 };
@@ -234,7 +244,6 @@ private:
 
 inline NodeHandle::NodeHandle(Node* node) { setAnchor(node ? node->getAnchor() : nullptr); }
 inline Node& Attribute::node() const { return has(outside) ? *block().node : *reinterpret_cast<Node*>(start()); }
-inline std::wstring const& Node::getNodeName() const { return nameAttribute().raw(); }
 inline void NodeContainer::add(Node* node) { PlainArrayAttribute::add(AttributeHandle(node)); }
 inline Node* NodeContainer::getNode(std::size_t i) const {
     Attribute* a = PlainArrayAttribute::getElement(i).getRef();

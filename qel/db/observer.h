@@ -26,11 +26,23 @@ public:
     void setLogger(Qelutils::BasicLogger* sink) { sink_ = sink; }
     void add(DatabaseObserver* observer);
     void remove(DatabaseObserver* observer, int mode = LeaveHole);
+    // Holds additions and removals back as long as it stands: two walks under one guard reach the same observers.
+    class Telling {
+    public:
+        explicit Telling(ObserverManager& m) : manager_(m) { ++m.iterating_; }
+        Telling(Telling const&) = delete;
+        Telling& operator=(Telling const&) = delete;
+        ~Telling() {
+            if (--manager_.iterating_ == 0) manager_.applyPending();
+        }
+
+    private:
+        ObserverManager& manager_;
+    };
     template<class F> void tell(F const& each) {
-        ++iterating_;
+        Telling const guard(*this);
         for (std::size_t i = 0; i < active_.size(); ++i)
             if (active_[i]) each(*active_[i]);
-        if (--iterating_ == 0) applyPending();
     }
     bool isIterating() const { return iterating_ > 0; }
     std::size_t count() const { return active_.size(); }

@@ -146,10 +146,12 @@ void Database::link(ChildLink& l, Node& parent, ChildLink* before) {
     std::wstring const& name = l.child->getNodeName();
     l.nameHash = NameTable::hash(parent.firstID_, name);
     if (!name.empty()) names_.insert(l.nameHash, l.child->firstID_);
+    if (&l == &l.child->place_) l.child->onPlaceChanged(true);
 }
 
 void Database::unlink(ChildLink& l) {  // keeps its own neighbours: the place to come back to
     Node& parent = *l.parent;
+    if (&l == &l.child->place_) l.child->onPlaceChanged(false);
     (l.previous ? l.previous->next : parent.firstChild_) = l.next;
     (l.next ? l.next->previous : parent.lastChild_) = l.previous;
     --parent.childCount_;
@@ -209,9 +211,11 @@ void Database::removeNode(Node& top) {
 }
 
 void Database::removeSingle(Node& n) {
+    n.preRemove(true);
     n.onRemove();
     setRemoved(n, true);
     record(std::make_unique<StructureEdits::Life>(n, false));
+    n.postRemove(true);
 }
 
 void Database::removeDynamic(ElementBlock& block) {
@@ -226,11 +230,11 @@ void Database::clear() {
 
 // ---- names ----
 
-Node* Database::findChildOf(Node const& parent, std::wstring_view name) const {
+Node* Database::findChildOf(Node const& parent, std::wstring_view name, Node const* except) const {
     if (name.empty()) return nullptr;
     auto same = [&](int id) {
         Node* n = reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
-        if (n->getNodeName() != name) return false;
+        if (n == except || n->getNodeName() != name) return false;
         for (ChildLink const* l = &n->place_; l; l = l->nextParent)
             if (l->parent == &parent) return true;
         return false;
@@ -241,10 +245,7 @@ Node* Database::findChildOf(Node const& parent, std::wstring_view name) const {
 
 std::wstring Database::makeUniqueName(Node const* parent, std::wstring const& wanted, Node const* except) {
     Node const& p = parent ? *parent : *this;
-    auto taken = [&](std::wstring const& name) {
-        Node const* bearer = findChildOf(p, name);
-        return bearer && bearer != except;
-    };
+    auto taken = [&](std::wstring const& name) { return findChildOf(p, name, except) != nullptr; };
     if (!taken(wanted)) return wanted;
     return wanted +
            std::to_wstring(stems_.take(p.firstID_, wanted, [&](int k) { return taken(wanted + std::to_wstring(k)); }));
@@ -259,17 +260,15 @@ void Database::reindexName(Node& n, std::wstring& name) {
         l->nameHash = NameTable::hash(l->parent->firstID_, n.getNodeName());
         if (!n.getNodeName().empty()) names_.insert(l->nameHash, n.firstID_);
     }
-    if (!n.nameAttribute().has(Attribute::listed)) set_->addRenamed(n);
+    set_->addRenamed(n);
 }
 
 void Database::renameNode(Node& n, std::wstring const& wanted) {
     if (n.getNodeName() == wanted || n.removed_) return;
     std::wstring name = makeUniqueName(n.place_.parent, wanted, &n);
     if (name == n.getNodeName()) return;
-    bool const first = !n.nameAttribute().has(Attribute::listed);
     noteWrite(n.nameAttribute());
     reindexName(n, name);
-    if (first) set_->addRenamed(n);
     if (n.nameAttribute().has(Attribute::feeds)) n.valueChanged(n.nameAttribute());
 }
 
@@ -277,12 +276,8 @@ void Database::renameNode(Node& n, std::wstring const& wanted) {
 
 void Database::beginLoading() {
     dropRedo();
-    while (!items_.empty()) {
-        dropItem(items_.front(), false);
-        items_.pop_front();
-    }
-    done_ = 0;
-    checkpoint_ = ~0ull;
+    dropDone();
+    bottom_ = nextSerial_++;  // a state of its own
     ++telling_;
     for (Record const& r : journal_)
         if (r.subject) r.subject->clear(Attribute::recorded);

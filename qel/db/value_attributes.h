@@ -20,6 +20,8 @@ template<class T> T initialValue(AttributeDef const& def) {
         return {float(def.initial[0]), float(def.initial[1]), float(def.initial[2]), 0};
     else if constexpr (std::is_same_v<T, Qelp::Quat>)
         return {float(def.initial[0]), float(def.initial[1]), float(def.initial[2]), float(def.initial[3])};
+    else if constexpr (std::is_same_v<T, Qelp::Matrix34>)
+        return def.initialMatrix ? *def.initialMatrix : T();
     else
         return T();
 }
@@ -37,7 +39,7 @@ public:
         return value_;
     }
     void setValue(T value) {
-        beforeWrite();
+        if (!beforeWrite()) return;
         value_ = std::move(value);
         afterWrite();
     }
@@ -76,7 +78,11 @@ public:
     void forget(std::uint64_t old) override {
         if constexpr (!fitsRecord<T>) delete reinterpret_cast<T*>(old);
     }
-    std::size_t historyBytes(std::uint64_t) const override { return fitsRecord<T> ? 0 : sizeof(T); }
+    std::size_t historyBytes(std::uint64_t old) const override {
+        if constexpr (std::is_same_v<T, std::wstring>)
+            return sizeof(T) + reinterpret_cast<T const*>(old)->capacity() * sizeof(wchar_t);
+        return fitsRecord<T> ? 0 : sizeof(T);
+    }
 
 protected:
     T value_;

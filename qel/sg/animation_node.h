@@ -1,0 +1,78 @@
+// An animation curve as a node: keys in parallel arrays, an input, an output.
+#pragma once
+#include "qel/sg/curve_evaluation.h"
+#include "qel/sg/node.h"
+
+namespace sg {
+
+class AnimationNode final : public Node {
+public:
+    static inline std::wstring const ClassID = L"Animation";
+    static db::NodeDef const Def;
+    enum Number : int {
+        OutputMode = 8,
+        InputValue,
+        InputValuesArray,
+        OutputValue,
+        OutputValuesArray,
+        OutputValueQuat,
+        OutputValueEulerX,
+        OutputValueEulerY,
+        OutputValueEulerZ,
+        InputUnits,
+        OutputUnits,
+        PreExtrapolation,
+        PostExtrapolation,
+        IsCurveSampled,
+        KeyframeMinX,
+        KeyframeMaxX,
+        KeyframeMinY,
+        KeyframeMaxY,
+        KeyframeInputValues,
+        KeyframeOutputValues,
+        KeyframeOutputValuesQuat,
+        KeyframeInTangentsX,
+        KeyframeInTangentsY,
+        KeyframeOutTangentsX,
+        KeyframeOutTangentsY,
+        KeyframeInterpolations,
+        KeyframeContinuities,
+        ExternalValue,
+        KeysPrepared,
+    };
+    static constexpr std::uint32_t keysBit = 1, valueBit = 2, rotationBit = 4, boundsBit = 8, batchBit = 16;
+
+    explicit AnimationNode(db::NodeDef const& def = Def);
+
+    // The curve at any input, whatever the node's own input is. False in quaternion mode.
+    bool compute(float input, float& out);
+    bool compute(float input, Qelp::Quat& out);  // false in float mode
+    void compute(float from, float to, std::vector<CurvePoint>& points);
+    float computePreGradient();
+    float computePostGradient();
+    // Of the key of that rank; false when there is none on that side.
+    bool getInputTangentControlPoint(int rank, float& out);
+    bool getOutputTangentControlPoint(int rank, float& out);
+    // The slots of the keys in the order of their inputs.
+    void getKeysOrderArray(std::vector<int>& out);
+    int getKeyCount() const { return int(at<db::FloatArrayAttribute>(KeyframeInputValues).raw().size()); }
+
+    void compute(std::uint64_t todo) override;
+
+private:
+    void computeRotation();
+    bool isRotation() const { return at<db::EnumAttribute>(OutputMode).raw() == 1; }
+    void prepare();
+    void prepareKeys();
+    CurveKeys keys();
+    void computeBounds();
+    void computeBatch();
+
+    alignas(64) Input inputRoom_[1];
+    unsigned hint_ = 0;
+    bool isRotationCurve_ = false;
+    PreparedCurve curve_;
+    std::vector<Qelp::Quat> rotations_;
+};
+
+}  // namespace sg

@@ -1,0 +1,188 @@
+// How changes travel: pushing marks downstream, updating chains too deep to recurse into, and converting values.
+#include "qel/sg/scene.h"
+
+namespace sg {
+
+// ---- values ----
+
+namespace {
+
+using db::AttributeType;
+
+bool isNumber(AttributeType t) { return t >= AttributeType::Integer && t <= AttributeType::Double; }
+
+double readNumber(db::Attribute const& a) {
+    switch (a.getAttributeType()) {
+    case AttributeType::Integer: return a.asInt()->raw();
+    case AttributeType::Boolean: return a.asBool()->raw() ? 1 : 0;
+    case AttributeType::Enumeration: return a.asEnum()->raw();
+    case AttributeType::Float: return double(a.asFloat()->raw());
+    default: return a.asDouble()->raw();
+    }
+}
+
+// Towards zero, as a cast; what does not fit becomes the nearest that does, no number 0.
+int toInt(double x) {
+    if (!(x == x)) return 0;
+    return int(std::clamp(x, -2147483648.0, 2147483647.0));
+}
+
+void writeNumber(db::Attribute& a, double x) {
+    switch (a.getAttributeType()) {
+    case AttributeType::Integer: a.asInt()->raw() = toInt(x); break;
+    case AttributeType::Boolean: a.asBool()->raw() = x != 0; break;
+    case AttributeType::Enumeration: a.asEnum()->raw() = toInt(x); break;
+    case AttributeType::Float: a.asFloat()->raw() = float(x); break;
+    default: a.asDouble()->raw() = x; break;
+    }
+}
+
+template<class A> bool carryAs(db::Attribute const& from, db::Attribute& to) {
+    static_cast<A&>(to).raw() = static_cast<A const&>(from).raw();
+    return true;
+}
+
+bool carrySame(db::Attribute const& from, db::Attribute& to) {
+    switch (to.getAttributeType()) {
+    case AttributeType::Matrix: return carryAs<db::Matrix34Attribute>(from, to);
+    case AttributeType::Vector3: return carryAs<db::Vector3Attribute>(from, to);
+    case AttributeType::Quaternion: return carryAs<db::QuaternionAttribute>(from, to);
+    case AttributeType::String: return carryAs<db::StringAttribute>(from, to);
+    case AttributeType::Pointer: return carryAs<db::PointerAttribute>(from, to);
+    case AttributeType::IntegerArray: return carryAs<db::IntArrayAttribute>(from, to);
+    case AttributeType::BooleanArray: return carryAs<db::BoolArrayAttribute>(from, to);
+    case AttributeType::EnumerationArray: return carryAs<db::EnumArrayAttribute>(from, to);
+    case AttributeType::FloatArray: return carryAs<db::FloatArrayAttribute>(from, to);
+    case AttributeType::DoubleArray: return carryAs<db::DoubleArrayAttribute>(from, to);
+    case AttributeType::StringArray: return carryAs<db::StringArrayAttribute>(from, to);
+    case AttributeType::Vector3Array: return carryAs<db::Vector3ArrayAttribute>(from, to);
+    case AttributeType::MatrixArray: return carryAs<db::Matrix34ArrayAttribute>(from, to);
+    case AttributeType::PointerArray: return carryAs<db::PointerArrayAttribute>(from, to);
+    case AttributeType::QuaternionArray: return carryAs<db::QuaternionArrayAttribute>(from, to);
+    default: return false;
+    }
+}
+
+}  // namespace
+
+bool canCarry(db::Attribute const& from, db::Attribute const& to) {
+    AttributeType const f = from.getAttributeType(), t = to.getAttributeType();
+    if (isNumber(f) && isNumber(t)) return true;
+    return f == t && f != AttributeType::NodeContainer && f != AttributeType::AttributeArray && !from.isCompound();
+}
+
+void carryAny(db::Attribute const& from, db::Attribute& to) {
+    if (isNumber(to.getAttributeType()))
+        writeNumber(to, readNumber(from));
+    else
+        carrySame(from, to);
+}
+
+// ---- marking what lies downstream ----
+
+namespace {
+
+std::uint32_t affects(db::Attribute const& a) { return a.layout().rows[std::size_t(a.row())].affects; }
+
+}  // namespace
+
+// `a` of `n` was written.
+void Scene::push(sg::Node& n, db::Attribute& a) {
+    std::uint64_t const fresh = affects(a) & ~n.dirty;
+    n.dirty |= fresh;
+    stack_.clear();
+    if (fresh) stack_.push_back({&n, fresh});
+    if (!n.outputs.empty() && outputBits(a) == 0)
+        for (OutGroup& g : n.outputs)
+            if (g.from == &a) pushGroup(g);
+    spread();
+}
+
+void Scene::spread() {
+    while (!stack_.empty()) {
+        Task const task = stack_.back();
+        stack_.pop_back();
+        for (OutGroup& g : task.node->outputs)
+            if (g.bit & task.bits) pushEdges(g);
+    }
+}
+
+void Scene::pushEdges(OutGroup& g) {
+    for (Edge const& e : g.edges) {
+        sg::Node& t = *e.target;
+        t.stale |= sg::Node::stateBit(e.input);
+        std::uint64_t const now = t.inputs[e.input].affects & ~t.dirty;
+        if (!now) continue;
+        t.dirty |= now;
+        stack_.push_back({&t, now});
+    }
+}
+
+// A plan is made at the second push under one structure: a script that connects and sets in turn pays only walks.
+void Scene::pushGroup(OutGroup& g) {
+    if (g.plan.structure != structure_) {
+        if (g.lastStructure != structure_) {
+            g.lastStructure = structure_;
+            return pushEdges(g);
+        }
+        makePlan(g);
+    }
+    if (g.plan.pushed == evaluations_ + 1) return;  // nobody has computed anything since
+    for (Plan::Step const& s : g.plan.steps) {
+        s.node->dirty |= s.dirty;
+        s.node->stale |= s.stale;
+    }
+    g.plan.pushed = evaluations_ + 1;
+}
+
+void Scene::makePlan(OutGroup& g) {
+    g.plan.steps.clear();
+    std::uint32_t const mark = ++mark_;
+    std::vector<Task> work;
+    auto reach = [&](Edge const& e) {
+        sg::Node& t = *e.target;
+        if (t.mark != mark) {
+            t.mark = mark;
+            t.planIndex = std::uint32_t(g.plan.steps.size());
+            g.plan.steps.push_back({&t, 0, 0});
+        }
+        Plan::Step& s = g.plan.steps[t.planIndex];
+        s.stale |= sg::Node::stateBit(e.input);
+        std::uint64_t const now = t.inputs[e.input].affects & ~s.dirty;
+        s.dirty |= now;
+        if (now) work.push_back({&t, now});
+    };
+    for (Edge const& e : g.edges) reach(e);
+    while (!work.empty()) {
+        Task const task = work.back();
+        work.pop_back();
+        for (OutGroup const& o : task.node->outputs)
+            if (o.bit & task.bits)
+                for (Edge const& e : o.edges) reach(e);
+    }
+    g.plan.structure = structure_;
+    g.plan.pushed = 0;
+}
+
+// ---- chains too deep to recurse into ----
+
+void Scene::updateDeep(sg::Node& root, std::uint64_t bits) {
+    std::size_t const base = deep_.size();
+    deep_.push_back({&root, bits});
+    while (deep_.size() > base) {
+        Task const task = deep_.back();
+        sg::Node& n = *task.node;
+        std::uint64_t const todo = n.dirty & task.bits;
+        std::size_t const before = deep_.size();
+        for (std::size_t i = 0; todo && i < n.inputCount; ++i) {
+            Input const& in = n.inputs[i];
+            if ((n.stale & sg::Node::stateBit(i)) && (in.affects & todo) && (in.source->dirty & in.sourceBits))
+                deep_.push_back({in.source, in.sourceBits});
+        }
+        if (deep_.size() > before) continue;
+        deep_.pop_back();
+        if (todo) n.finish(todo);
+    }
+}
+
+}  // namespace sg

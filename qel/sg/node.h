@@ -1,0 +1,123 @@
+// A node that takes part in evaluation.
+//
+// Inside a node values flow from inputs to the outputs they affect, as the type's table says; between nodes they flow
+// along connections. A node's state is two words: a bit per output that is out of date, a bit per connected input whose
+// source has moved. Writing an input sets bits downstream and stops where they are set; reading an output computes what
+// is needed, once. What nobody reads is never computed.
+//
+// The invariant behind stopping early: an output out of date implies that everything downstream of it is. So compute()
+// writes raw values of its own outputs only, and is a pure function of the node's own block.
+#pragma once
+#include "qel/db/node.h"
+
+namespace sg {
+
+class Node;
+class Scene;
+class Connection;
+
+// A connected input, beside the node that reads it.
+struct Input {
+    Node* source;
+    db::Attribute *from, *to;
+    std::uint32_t sourceBits;  // the source's outputs that must be up to date
+    std::uint32_t affects;     // our outputs that depend on it
+};
+
+struct Edge {
+    Node* target;
+    std::uint32_t input;  // its place among the target's inputs
+};
+
+// What lies downstream of a source, as a flat list: made when one source is pushed twice under one structure.
+struct Plan {
+    struct Step {
+        Node* node;
+        std::uint64_t dirty, stale;
+    };
+    std::uint64_t structure = 0, pushed = 0;
+    std::vector<Step> steps;
+};
+
+// The readers of one source attribute. The hierarchy's own edges (a parent's world matrix) stand apart from the
+// connections that users make, so that these keep their order.
+struct OutGroup {
+    db::Attribute* from;
+    std::uint32_t bit;  // of the source's state
+    bool hierarchy;
+    std::vector<Edge> edges;
+    Plan plan;
+    std::uint64_t lastStructure = 0;
+};
+
+class Node : public db::Node {
+public:
+    static inline std::wstring const ClassID = L"Node";
+    static db::NodeDef const Def;
+
+    explicit Node(db::NodeDef const& def) : Node(def, nullptr, 0) {}
+    ~Node() override;
+
+    Scene& graph() const { return *reinterpret_cast<Scene*>(database_); }
+    Scene* getScene() const { return reinterpret_cast<Scene*>(database_); }
+    Node* getParent(std::size_t i = 0) const { return static_cast<Node*>(db::Node::getParent(i)); }
+    Node* getChild(std::size_t i) const { return static_cast<Node*>(db::Node::getChild(i)); }
+
+    // Computes the outputs in `todo`. The inputs are up to date; raw values are read and written.
+    virtual void compute(std::uint64_t /*todo*/) {}
+    // Computes an output, or brings an input up to date, even if it is not out of date.
+    void callCompute(db::Attribute& attribute);
+
+    // A copy of this node and all below it, with the connections between them and those from the scene's clock, so that
+    // copied curves play. It stands at the top, under a unique form of `name`. Null when the ids are used up.
+    Node* makeCopy(std::wstring const& name);
+
+    // ---- evaluation; for this library ----
+    void valueChanged(db::Attribute& a) override;
+    void refreshValue(db::Attribute& a) override;
+    void onRemove() override;
+
+    static std::uint64_t stateBit(std::size_t input) {
+        return 1ull << (input < 63 ? input : 63);
+    }  // many share the last
+    inline void update(std::uint64_t bits, int depth = 0);
+    void finish(std::uint64_t todo);
+    std::size_t addInput(Input const& input);
+    OutGroup* groupOf(db::Attribute const& a, bool hierarchy = false);
+    int inputOf(db::Attribute const& to) const;  // -1 when it is not connected
+
+    struct Place {
+        std::uint32_t group, edge;  // where the source lists this input
+        Connection* connection;     // null of an edge of the hierarchy
+    };
+    std::vector<OutGroup> outputs;
+    std::vector<Place> places;   // one per input
+    std::uint32_t passBits = 0;  // bits given to plain attributes that are connected and feed others
+    std::uint32_t mark = 0, planIndex = 0, upBits = 0, downBits = 0;  // scratch of searches
+
+protected:
+    // `room`: inputs that the class holds inside itself, beside its state.
+    Node(db::NodeDef const& def, Input* room, std::size_t count);
+
+private:
+    Input* room_;
+};
+
+// Takes a value over, converting between the kinds of number. The kinds are known to match or convert.
+void carryAny(db::Attribute const& from, db::Attribute& to);
+inline void carry(db::Attribute const& from, db::Attribute& to) {
+    if (from.isFloat() && to.isFloat()) [[likely]]
+        static_cast<db::FloatAttribute&>(to).raw() = static_cast<db::FloatAttribute const&>(from).raw();
+    else
+        carryAny(from, to);
+}
+bool canCarry(db::Attribute const& from, db::Attribute const& to);
+
+class NodeHandle : public db::NodeHandle {
+public:
+    using db::NodeHandle::NodeHandle;
+    Node* getRef() const { return static_cast<Node*>(db::NodeHandle::getRef()); }
+};
+using AttributeHandle = db::AttributeHandle;
+
+}  // namespace sg

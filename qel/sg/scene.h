@@ -1,0 +1,126 @@
+// The evaluating graph: a database whose nodes are connected.
+//
+// Paths: names joined with "|" from the top, and "." before the local path of an attribute.
+// Patterns: '*' stands for any run of characters within a name, '?' for one. A pattern without '|' matches names at any
+// depth, so "*" is every node; one with '|' matches whole paths, name by name, and "**" there stands for any number of
+// levels, also none.
+#pragma once
+#include "qel/db/database.h"
+#include "qel/sg/connection.h"
+#include "qel/sg/node_types.h"
+#include "qel/sg/units.h"
+
+namespace sg {
+
+// 0 or less: the connection stands.
+enum ConnectionResult : int {
+    AlreadyConnected = -1,
+    Connected = 0,
+    MissingAttribute,  // an end is missing, removed, or of another scene
+    KindsDiffer,       // no conversion between the kinds
+    InputTaken,        // and `replace` was not given
+    WouldMakeCycle,
+    NotConnectable,  // the target is computed by its node
+};
+
+class Scene : public db::Database {
+public:
+    using Node = sg::Node;  // not the one of the database
+    static inline std::wstring const ClassID = L"Scene";
+
+    explicit Scene(std::wstring const& name = {});
+    ~Scene() override;
+
+    // ---- nodes ----
+    sg::Node* makeNode(std::wstring const& type, std::wstring const& name,
+                       std::wstring const& nameSpace = L"sg");  // null: unknown type
+    sg::Node* findNode(std::wstring const& path, sg::Node const* below = nullptr) const;
+    void findNodes(std::wstring const& pattern, std::vector<sg::Node*>& out) const;  // in the order of the hierarchy
+    db::Attribute* findAttributeByPath(std::wstring const& path) const;  // "a|b.Local[0].Name"; null for none
+    void listAllNodes(std::vector<sg::Node*>& out) const;                // connections included, by id
+    void getPathNames(db::Attribute const& a, std::vector<std::wstring>& out) const;  // one for each way from the top
+
+    // ---- connections ----
+    // The value of `from` flows into `to` from now on. A message goes to the log where it is refused.
+    ConnectionResult connect(db::Attribute* from, db::Attribute* to, bool replace = true, bool quiet = false);
+    bool disconnect(db::Attribute* a);        // inputs and outputs; false when there were none
+    bool disconnectInput(db::Attribute* to);  // the last value stays
+    bool disconnectOutputs(db::Attribute* from);
+    db::Attribute* getInputAttribute(db::Attribute const* to) const;  // what feeds it directly, or null
+    void getOutputAttributes(db::Attribute const* from,
+                             std::vector<db::Attribute*>& out) const;  // in order of connecting
+    std::size_t getOutputCount(db::Attribute const* from) const;
+    // What its value is made of, one step back: the source that feeds it, or the inputs of its node that affect it.
+    void getAffectingAttributes(db::Attribute const* a, std::vector<db::Attribute*>& out) const;
+    bool hasAffectingAttributes(db::Attribute const* a) const;
+    void removeInvalidConnections();  // those with an end that is gone
+
+    // ---- figures, for tests and benchmarks ----
+    std::uint64_t evaluations() const { return evaluations_; }
+    std::uint64_t structureVersion() const { return structure_; }
+
+    // ---- for the nodes ----
+    void attach(db::Attribute& from, db::Attribute& to, Connection* connection, std::int64_t edge, std::int64_t input);
+    std::pair<std::uint32_t, std::uint32_t> detach(db::Attribute& to);
+    void push(sg::Node& n, db::Attribute& a);
+    void read(sg::Node& n, std::uint64_t bits) { n.update(bits); }
+    void updateDeep(sg::Node& n, std::uint64_t bits);
+    void countEvaluation() { ++evaluations_; }
+
+    void listConnections(std::vector<ConnectionRecord>& out) const override;
+    bool loadConnection(ConnectionRecord const& c) override;
+    db::NodeDef const* unknownNodeDef() const override;
+
+private:
+    struct Task {
+        sg::Node* node;
+        std::uint64_t bits;
+    };
+    bool wouldCycle(db::Attribute const& from, db::Attribute const& to);
+    void pushGroup(OutGroup& g);
+    void pushEdges(OutGroup& g);
+    void spread();
+    void makePlan(OutGroup& g);
+    void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
+
+    std::uint64_t structure_ = 1;  // moves on with each connection made or broken
+    std::uint64_t evaluations_ = 0;
+    std::vector<Task> stack_, deep_;
+    std::uint32_t mark_ = 0;
+};
+
+// The bits of the outputs that `a` is, or needs when it is read; 0 of a plain attribute.
+std::uint32_t outputBits(db::Attribute const& a);
+
+inline void Node::update(std::uint64_t bits, int depth) {
+    std::uint64_t const todo = dirty & bits;
+    if (!todo) return;
+    if (depth > 200) return graph().updateDeep(*this, bits);
+    for (std::uint64_t s = stale; s; s &= s - 1) {
+        std::size_t const first = std::size_t(__builtin_ctzll(s));
+        if (first == 63) break;
+        Input& i = inputs[first];
+        if (!(i.affects & todo)) continue;
+        if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
+        carry(*i.from, *i.to);
+        stale &= ~(s & -s);
+    }
+    if (stale >> 63) {  // all inputs from the 64th on share that bit, so it stays until every output has seen them
+        bool all = true;
+        for (std::size_t k = 63; k < inputCount; ++k) {
+            Input& i = inputs[k];
+            if (!(i.affects & todo)) {
+                all = false;
+                continue;
+            }
+            if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
+            carry(*i.from, *i.to);
+        }
+        if (all) stale &= ~(1ull << 63);
+    }
+    dirty &= ~todo;
+    graph().countEvaluation();
+    compute(todo);
+}
+
+}  // namespace sg

@@ -1,0 +1,191 @@
+// The root of the library. The host obtains the one XApplication with Instance, starts it with Startup, and reaches
+// scenes, settings, scripts, plug-ins and the log through it. It runs no loop of its own: the host calls Update once
+// per cycle and NotifyOnIdle when idle.
+//
+// Three phases: constructed (only Instance, Startup and the log calls mean anything, and the log is silent), started
+// (there is always at least one scene; scene 0 is permanent), shut down (the object is gone, Instance makes a new one).
+// Main thread only. Scene list operations never fail: an index out of range stands for the active scene.
+#pragma once
+#include "qel/utils/logger.h"
+#include "qel/utils/vector.h"
+#include "tavo/app/script_base.h"
+#include "tavo/app/word.h"
+#include <cwchar>
+#include <memory>
+#include <string>
+
+class wxString;
+
+namespace LuaPlus {
+class LuaState;
+class LuaStateOwner;
+}  // namespace LuaPlus
+namespace qellua {
+class LuaFrame;
+}
+
+namespace Tavo {
+
+class XCommand;
+class XDatabase;
+class XLuaScript;
+class XObject;
+class XPluginManager;
+class XPythonScript;
+class XScene;
+class XSceneObserver;
+class XSettings;
+class XSettingsObserver;
+
+class XApplication : public XScriptBase {
+public:
+    using Level = Qelutils::BasicLogger::Level;
+
+    static constexpr int SystemLogBufferSize = 16384;  // characters of a formatted message, the final zero included
+    static constexpr XWord InitializationScriptName = L"InitializeApplication.lua";
+
+    // ---- life ----
+    static XApplication& Instance();
+    // `state` and `logger` are borrowed and may be null; `executableDir` ends as the host likes it.
+    void Startup(LuaPlus::LuaStateOwner* state, Qelutils::BasicLogger* logger, wchar_t const* executableDir);
+    void Shutdown();  // deletes this object
+    // Runs InitializationScriptName of `directory`, which ends in a separator.
+    void RunStartupScripts(std::wstring const& directory) const;
+    void SetFrame(qellua::LuaFrame* frame, wxString name);  // borrowed
+    void UpdateFrame();
+    void UpdateDisplay();
+    void Update();  // commits pending transient changes of all documents, then refreshes frame and display
+    void NotifyOnIdle();
+
+    // ---- parts; the references are valid while started ----
+    std::wstring const& ExecutableDir() const { return _executableDir; }
+    XPluginManager& PluginManager() const { return *_pluginManager; }
+    XSettings& Settings() const { return *_settings; }
+    XScene& ActiveScene() const { return *_activeScene; }
+    XLuaScript& LuaScript() const { return *_luaScript; }
+    XPythonScript& PythonScript() const { return *_pythonScript; }
+    bool IsStarted() const { return _activeScene && _settings; }
+    bool HasScripts() const { return _luaScript && _pythonScript; }  // false early in Startup and late in Shutdown
+    Qelutils::Vector<XSceneObserver*> const& SceneObservers() const { return _sceneObservers; }
+    Qelutils::Vector<XSettingsObserver*> const& SettingsObservers() const { return _settingsObservers; }
+
+    // ---- scenes ----
+    unsigned int SceneCount() const;
+    XScene& GetScene(int index);
+    int ActiveSceneIndex() const;       // -1 when the active scene is not in the list
+    XScene& SetActiveScene(int index);  // clears the selection of the scene that is left; told as a load
+    XScene& ActivateNextScene();        // wraps around
+    XScene& ActivatePreviousScene();
+    int AddScene();                                    // the index of the new scene, which is active
+    XScene& RemoveScene();                             // the active scene, unless it is scene 0; without its Unregister
+    XScene& RemoveScene(int index);                    // not scene 0; with its Unregister
+    XScene& RemoveScenes();                            // all but the first, which is made new
+    XScene& ClearScenes();                             // New on each
+    XDatabase* GetDatabaseByID(int id);                // scenes in order, then the settings; or null
+    XScene* GetSceneByName(std::wstring const& name);  // exact, or null
+
+    // ---- observers, called in the order of addition ----
+    XApplication& AddSceneObserver(XSceneObserver* observer);
+    XApplication& RemoveSceneObserver(XSceneObserver* observer);
+    XApplication& AddSettingsObserver(XSettingsObserver* observer);
+    XApplication& RemoveSettingsObserver(XSettingsObserver* observer);
+    // Calls visit(observer&) for each in order. One that is removed under way is not called any more, one that is added
+    // is called from the next time on.
+    template<class Visit> void ForEachSceneObserver(Visit visit);
+    template<class Visit> void ForEachSettingsObserver(Visit visit);
+
+    // ---- log: silent without a sink. Formats are printf-style; %s takes wide text ----
+    XApplication& Log(Level level, std::wstring const& text);
+    XApplication& Log(Level level, wchar_t const* text);
+    XApplication& Log(Level level, char const* text);
+    template<class First, class... Rest>
+    XApplication& Log(Level level, wchar_t const* format, First const& first, Rest const&... rest) {
+        return logFormatted(level, format, first, rest...);
+    }
+    template<class... Values> XApplication& LogInformation(wchar_t const* format, Values const&... values) {
+        return logFormatted(Level::Information, format, values...);
+    }
+    template<class... Values> XApplication& LogWarning(wchar_t const* format, Values const&... values) {
+        return logFormatted(Level::Warning, format, values...);
+    }
+    template<class... Values> XApplication& LogError(wchar_t const* format, Values const&... values) {
+        return logFormatted(Level::Error, format, values...);
+    }
+    template<class... Values> XApplication& LogDebug(wchar_t const* format, Values const&... values) {
+        return logFormatted(Level::Debug, format, values...);
+    }
+
+    // ---- settings file ----
+    bool SaveSettings(std::wstring const& file);
+    bool LoadSettings(std::wstring const& file);  // false: the settings are the defaults
+
+    // ---- commands ----
+    std::wstring const& ActiveCommandName() const { return _activeCommandName; }
+    std::wstring const& LastCommandName() const { return _lastCommandName; }
+    XApplication& SetActiveCommandName(std::wstring const& name);
+    XApplication& SetLastCommandName(std::wstring const& name);
+    XCommand ActiveCommand();  // the node of that name in the settings; invalid without one
+    XCommand LastCommand();
+
+protected:
+    void runCommand(std::wstring const& name);
+    void resetActiveCommand();
+    void runActiveCommand();
+    void runLastCommand();
+
+private:
+    XApplication();
+    ~XApplication() override;
+
+    // A text argument is passed as the pointer that the format reads.
+    static wchar_t const* argument(std::wstring const& text) { return text.c_str(); }
+    static wchar_t const* argument(XWord const& text) { return text.c_str(); }
+    template<class Value> static Value argument(Value value) { return value; }
+    template<class... Values> XApplication& logFormatted(Level level, wchar_t const* format, Values const&... values) {
+        return logList(level, format, argument(values)...);
+    }
+    XApplication& logList(Level level, wchar_t const* format, ...);
+
+    // While observers are told, removing one leaves a null entry, so that positions stay; the outermost end takes them
+    // out.
+    template<class Observer, class Visit> void forEach(Qelutils::Vector<Observer*>& observers, Visit& visit) {
+        ++_telling;
+        for (std::size_t i = 0, count = observers.size(); i < count; ++i)
+            if (observers[i]) visit(*observers[i]);
+        if (--_telling == 0) std::erase(observers, nullptr);
+    }
+
+    void initAppScriptCommands();
+    int Application_Command(LuaPlus::LuaState* state);
+    int Application_ResetActiveCommand(LuaPlus::LuaState* state);
+    int Application_RunActiveCommand(LuaPlus::LuaState* state);
+    int Application_RunLastCommand(LuaPlus::LuaState* state);
+    int Application_RunCommand(LuaPlus::LuaState* state);  // deliberately not in the "app" table
+    int Application_Scene(LuaPlus::LuaState* state);
+
+    static XApplication* _instance;
+
+    Qelutils::Vector<XScene*> _scenes;  // owned; index 0 is permanent
+    Qelutils::Vector<XSceneObserver*> _sceneObservers;
+    Qelutils::Vector<XSettingsObserver*> _settingsObservers;
+    int _telling = 0;                // nested calls of forEach
+    XScene* _activeScene = nullptr;  // one of _scenes
+    XSettings* _settings = nullptr;  // owned
+    std::wstring _activeCommandName;
+    std::wstring _lastCommandName;
+    std::unique_ptr<Qelutils::Vector<XObject>> _commandResults;  // of the most recent runCommand
+    XLuaScript* _luaScript = nullptr;                            // owned
+    XPythonScript* _pythonScript = nullptr;                      // owned
+    LuaPlus::LuaStateOwner* _luaState = nullptr;
+    Qelutils::BasicLogger* _logger = nullptr;
+    qellua::LuaFrame* _frame = nullptr;
+    std::wstring _frameName;
+    XPluginManager* _pluginManager = nullptr;  // owned
+    std::wstring _executableDir;
+};
+
+template<class Visit> void XApplication::ForEachSceneObserver(Visit visit) { forEach(_sceneObservers, visit); }
+
+template<class Visit> void XApplication::ForEachSettingsObserver(Visit visit) { forEach(_settingsObservers, visit); }
+
+}  // namespace Tavo

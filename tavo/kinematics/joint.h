@@ -1,0 +1,32 @@
+// XJoint: the transform that makes up a skeleton.
+#pragma once
+#include "tavo/kinematics/transform.h"
+
+namespace Tavo {
+
+class XJoint : public XTyped<XJoint, XTransform, sg::JointNode> {
+public:
+    static constexpr XWord TypeID = L"Joint", DefaultName = L"joint";
+    static constexpr float DefaultBoneRadius = 0.008f, DefaultLocatorRadius = 0.015f;  // metres
+    static constexpr int DefaultBoneDisplayStyle = 0, DefaultAxesDisplayStyle = 0, DefaultLocatorDisplayStyle = 2;
+    static constexpr XColour DefaultBoneColour{0.3f, 0.3f, 0.7f, 1};
+    using XTyped::XTyped;
+
+    TAVO_ATTRIBUTE(BoneRadius, 51)
+    TAVO_ATTRIBUTE(LocatorRadius, 52)
+    TAVO_ATTRIBUTE(BoneStyle, 53)     // 0 "Wireframe", 1 "Solid", 2 "Hidden"
+    TAVO_ATTRIBUTE(LocatorStyle, 54)  // 0 "Solid", 1 "Wireframe", 2 "WireframeAxes"
+    TAVO_ATTRIBUTE(AxesStyle, 55)     // 0 "ShowSelected", 1 "Show", 2 "Hide"
+    TAVO_ATTRIBUTE(Tags, 56)
+    TAVO_ATTRIBUTE(JointLimitReference, 57)
+
+    // Child joints are objects of exactly the type "Joint"; a derived type does not count.
+    XJoint ParentJoint() const { return XJoint(Parent()); }
+    void ChildJoints(Qelutils::Vector<XObject>& out) const { ChildObjects(out, TypeID, IsObjectType); }
+    int ChildJointCount() const;
+    bool IsTerminatingJoint() const;
+    void onInitialize() override;
+};
+using XJointDef = XTypedDef<XJoint>;
+
+}  // namespace Tavo
