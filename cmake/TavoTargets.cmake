@@ -20,7 +20,7 @@ set(TAVO_SANITIZERS -fsanitize=address,undefined -fno-sanitize-recover=undefined
 function(tavo_settings target)
     target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
     target_compile_options(${target} PRIVATE -Wall -Wextra $<$<BOOL:${TAVO_WERROR}>:-Werror>
-        $<$<CONFIG:RelWithDebInfo>:-O2 -g1 -UNDEBUG> $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+        $<$<CONFIG:RelWithDebInfo>:-O2 -g1 -UNDEBUG> $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition -Wno-restrict>)
     if(TAVO_SANITIZE)
         target_compile_options(${target} PRIVATE ${TAVO_SANITIZERS} -O1 -g1)
         target_link_options(${target} PRIVATE ${TAVO_SANITIZERS})

@@ -48,8 +48,8 @@ void Database::destruct() {
     emptyGraveyard();
     for (std::size_t p = 0; p < pages_.size(); ++p)
         if (pages_[p] && !(pages_[p] & 1)) destroy(*reinterpret_cast<Node*>(pages_[p]));
-    if (dynamics_)
-        for (ElementBlock* b : *std::exchange(dynamics_, nullptr)) ElementBlock::destroy(b);
+    if (auto const own = std::exchange(dynamics_, nullptr))
+        for (ElementBlock* b : *own) ElementBlock::destroy(b);
     pages_.clear();
     pools_.clear();
     firstChild_ = lastChild_ = nullptr;

@@ -11,6 +11,7 @@
 #include "qel/db/name_index.h"
 #include "qel/db/node_pool.h"
 #include "qel/db/observer.h"
+#include "qel/db/preserved.h"
 
 namespace db {
 
@@ -113,12 +114,17 @@ public:
     int takeIDs(std::size_t count, void* owner, bool isElement);
     void releaseIDs(int firstID, void const* owner);
     // ---- for loading: nothing of it is recorded ----
-    // Forgets the history and all nodes; what is listed as removed stays readable until the next telling ends.
-    void beginLoading();
+    virtual std::unique_ptr<Database> makeEmpty() const { return std::make_unique<Database>(); }  // of the same kind
+    // Takes over all that `other` holds, which was made by makeEmpty and told to nobody, in place of its own content
+    // and history. What is listed as removed stays readable until the next telling ends.
+    void adopt(Database& other);
     // A node with the id it had, or null when the id is taken. `parent` null: at the top; `detached`: nowhere.
     Node* createForLoading(NodeDef const& def, int id, std::wstring const& name, Node* parent, bool detached = false);
+    int nextFreeID() const { return int(pages_.size() << pageBits); }
     bool addParentForLoading(Node& child, Node& parent);
     bool setElementIDForLoading(ElementBlock& block, int id);  // false when it is taken; the block keeps what it has
+    Preserved& preserved() { return preserved_; }
+    Preserved const& preserved() const { return preserved_; }
     // Connections belong to the graph above, which saves and restores them through these.
     struct ConnectionRecord {
         int id;
@@ -137,6 +143,7 @@ protected:
     virtual void customiseChangeSet(ChangeSet&) {}
     virtual void notifyObservers(ChangeSet const& set, bool transient);
     virtual void postCommit() {}
+    virtual void onAdopted() {}  // the content was replaced
 
 private:
     friend class Attribute;
@@ -171,9 +178,12 @@ private:
     void removeNode(Node& n);
     void removeSingle(Node& n);
     void renameNode(Node& n, std::wstring const& wanted);
-    void moveNode(Node& n, Node& parent);
+    void giveName(Node& n, std::wstring name);
+    void moveNode(Node& n, Node& parent, ChildLink* before);
     void destroy(Node& n);
     void retire(Node& n);
+    void free(Node& n);
+    void retireContent();
     Node* construct(NodeDef const& def);
     bool areIDsFree(int id, std::size_t count) const;
     void claimIDs(int id, std::size_t count, std::uintptr_t owner);
@@ -188,6 +198,12 @@ private:
     std::vector<std::unique_ptr<NodePool>> pools_;
     std::vector<Node*> graveyard_;  // dead while a set that may list them is lent out
     std::vector<ElementBlock*> elementGraveyard_;
+    struct Retired {  // a content that was replaced
+        std::vector<Node*> nodes;
+        std::vector<std::unique_ptr<NodePool>> pools;
+    };
+    std::vector<Retired> retired_;
+    Preserved preserved_;
     NameTable names_;
     StemNumbers stems_;
     std::size_t nodeCount_ = 0;

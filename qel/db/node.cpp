@@ -98,7 +98,7 @@ bool Node::isAncestorOf(Node const& n) const {
 bool Node::addChild(Node& child) {
     if (removed_ || child.removed_ || !canBeParentOf(child)) return false;
     if (child.place_.parent == database_) {
-        database_->moveNode(child, *this);
+        database_->moveNode(child, *this, nullptr);
         return true;
     }
     auto* link = new ChildLink{&child, this, nullptr, nullptr, nullptr, 0};
@@ -116,7 +116,7 @@ bool Node::removeChild(Node& child) {
     while (l && l->parent != this) l = l->nextParent;
     if (!l || removed_ || child.removed_ || isDatabase()) return false;
     if (l == &child.place_ && !l->nextParent) {
-        database_->moveNode(child, *database_);
+        database_->moveNode(child, *database_, nullptr);
         return true;
     }
     // The next parent becomes the primary one; the child keeps its place there.
@@ -126,12 +126,8 @@ bool Node::removeChild(Node& child) {
     auto edit = std::make_unique<StructureEdits::ExtraParent>(extra, true);
     edit->takeOut(*database_);
     database_->record(std::move(edit));
-    if (l == &child.place_) {
-        database_->record(std::make_unique<StructureEdits::Place>(child));
-        database_->unlink(child.place_);
-        database_->link(child.place_, *heir, before);
-    }
     database_->changes().addReparented(child);
+    if (l == &child.place_) database_->moveNode(child, *heir, before);
     return true;
 }
 
@@ -166,8 +162,9 @@ DynamicDef::DynamicDef(AttributeType type, std::wstring name_, double const* ini
     layout = std::make_unique<Layout const>(std::vector<AttributeDef const*>{&def}, sizeof(ElementBlock));
 }
 
-Attribute* Node::addDynamic(AttributeType type, std::wstring const& name, double const* initial,
-                            std::wstring const& text, double minimum, double maximum) {
+// In no list yet; null when the kind or the name won't do.
+ElementBlock* Node::makeDynamic(AttributeType type, std::wstring const& name, double const* initial,
+                                std::wstring const& text, double minimum, double maximum) {
     bool const plain = type != AttributeType::None && !isCompoundType(type) && type != AttributeType::Node &&
                        type != AttributeType::AttributeArray;
     if (!plain || name.empty() || removed_ || findAttribute(name)) return nullptr;
@@ -175,10 +172,33 @@ Attribute* Node::addDynamic(AttributeType type, std::wstring const& name, double
     ElementBlock* block = ElementBlock::make(*this, *dynamic->layout, nullptr, dynamic);
     if (!dynamics_) dynamics_ = std::make_unique<std::vector<ElementBlock*>>();
     block->index = std::uint32_t(dynamics_->size());
+    return block;
+}
+
+Attribute* Node::addDynamic(AttributeType type, std::wstring const& name, double const* initial,
+                            std::wstring const& text, double minimum, double maximum) {
+    ElementBlock* block = makeDynamic(type, name, initial, text, minimum, maximum);
+    if (!block) return nullptr;
     auto edit = std::make_unique<StructureEdits::Dynamic>(*this, *block, false);
     edit->toggle(*database_);
     database_->record(std::move(edit));
     return &block->attribute();
+}
+
+Attribute* Node::addDynamicForLoading(AttributeType type, std::wstring const& name, double const* initial,
+                                      std::wstring const& text, double minimum, double maximum, int id) {
+    ElementBlock* block = makeDynamic(type, name, initial, text, minimum, maximum);
+    if (!block) return nullptr;
+    dynamics_->push_back(block);
+    database_->setElementIDForLoading(*block, id);
+    return &block->attribute();
+}
+
+Attribute* AttributeArray::appendForLoading(int id) {
+    ElementBlock* e = ElementBlock::make(node(), elementLayout(), this, nullptr);
+    exchangeElements(size(), 0, {e});
+    getDatabase()->setElementIDForLoading(*e, id);
+    return &e->attribute();
 }
 
 namespace {

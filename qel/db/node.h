@@ -1,7 +1,8 @@
 // A node: a named set of attributes in one block of memory, with a place in the hierarchy. What all nodes of a type
 // share is its NodeDef, made from the type's table.
 //
-// A node may have several parents; the first is its primary one, which gives it its path and its siblings. A removed
+// A node may have several parents; the first is its primary one, which gives it its path and its siblings. Among those
+// its name is unique; under a further parent it need not be, and there a lookup prefers the parent's own. A removed
 // node keeps its id and its values until no step of the history refers to it.
 #pragma once
 #include "qel/db/array_attributes.h"
@@ -126,6 +127,9 @@ public:
     Attribute* addDynamicStringArray(std::wstring const& name, std::wstring const& initial);
     Attribute* addDynamicVector3Array(std::wstring const& name, Qelp::Vector3 const& initial);
     Attribute* addDynamicMatrix34Array(std::wstring const& name, Qelp::Matrix34 const& initial);
+    // Without record, and with the id it had if that is free.
+    Attribute* addDynamicForLoading(AttributeType type, std::wstring const& name, double const* initial,
+                                    std::wstring const& text, double minimum, double maximum, int id);
     void getDynamicAttributes(std::vector<Attribute*>& out) const;
     std::size_t dynamicCount() const { return dynamics_ ? dynamics_->size() : 0; }
 
@@ -147,6 +151,9 @@ public:
     bool compare(Attribute const& other) const override { return this == &other; }
 
 protected:
+    ElementBlock* makeDynamic(AttributeType type, std::wstring const& name, double const* initial,
+                              std::wstring const& text, double minimum, double maximum);
+
     friend class Attribute;
     friend class ChangeSet;
     friend class Database;
@@ -233,6 +240,7 @@ public:
     std::uint64_t remember() override { return 0; }
     void exchange(std::uint64_t&) override {}
 
+    Attribute* appendForLoading(int id);  // without record, and with the id it had if that is free
     // Takes `removed` elements out at `at` and puts `inserted` in; both keep their ids. For the history.
     std::vector<ElementBlock*> exchangeElements(std::size_t at, std::size_t removed,
                                                 std::vector<ElementBlock*> const& inserted);

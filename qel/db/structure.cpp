@@ -105,9 +105,13 @@ void Database::destroy(Node& n) {
     retire(n);
     if (telling_ > 0) return graveyard_.push_back(&n);
     NodePool& pool = *pools_[std::size_t(n.def_->getTypeID())];
+    free(n);
+    pool.give(&n);
+}
+
+void Database::free(Node& n) {
     n.def_->layout().destruct(reinterpret_cast<char*>(&n));
     n.~Node();
-    pool.give(&n);
 }
 
 void Database::retire(Node& n) {
@@ -131,6 +135,8 @@ void Database::destroyElements(std::vector<ElementBlock*> const& elements) {
 void Database::emptyGraveyard() {
     for (ElementBlock* e : std::exchange(elementGraveyard_, {})) ElementBlock::destroy(e);
     for (Node* n : std::exchange(graveyard_, {})) destroy(*n);
+    for (Retired const& r : std::exchange(retired_, {}))
+        for (Node* n : r.nodes) free(*n);
 }
 
 // ---- places ----
@@ -176,17 +182,12 @@ void Database::setRemoved(Node& n, bool removed) {
     n.onLife(removed);
 }
 
-void Database::moveNode(Node& n, Node& parent) {
+void Database::moveNode(Node& n, Node& parent, ChildLink* before) {
     record(std::make_unique<StructureEdits::Place>(n));
     unlink(n.place_);
-    std::wstring const name = makeUniqueName(&parent, n.getNodeName());
-    if (name != n.getNodeName()) {
-        noteWrite(n.nameAttribute());
-        n.nameAttribute().raw() = name;
-        set_->addRenamed(n);
-    }
-    link(n.place_, parent, nullptr);
+    link(n.place_, parent, before);
     set_->addReparented(n);
+    giveName(n, makeUniqueName(&parent, n.getNodeName(), &n));
 }
 
 // ---- removal ----
@@ -232,21 +233,24 @@ void Database::clear() {
 
 Node* Database::findChildOf(Node const& parent, std::wstring_view name, Node const* except) const {
     if (name.empty()) return nullptr;
-    auto same = [&](int id) {
+    Node* further = nullptr;  // the first that has this one as a further parent
+    auto isChild = [&](int id) {
         Node* n = reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
         if (n == except || n->getNodeName() != name) return false;
-        for (ChildLink const* l = &n->place_; l; l = l->nextParent)
-            if (l->parent == &parent) return true;
+        if (n->place_.parent == &parent) return true;
+        for (ChildLink const* l = n->place_.nextParent; l; l = l->nextParent)
+            if (l->parent == &parent && (!further || id < further->firstID_)) further = n;
         return false;
     };
-    int const id = names_.find(NameTable::hash(parent.firstID_, name), same);
-    return id < 0 ? nullptr : reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
+    int const id = names_.find(NameTable::hash(parent.firstID_, name), isChild);
+    return id < 0 ? further : reinterpret_cast<Node*>(pages_[std::size_t(id) >> pageBits]);
 }
 
 std::wstring Database::makeUniqueName(Node const* parent, std::wstring const& wanted, Node const* except) {
     Node const& p = parent ? *parent : *this;
     auto taken = [&](std::wstring const& name) { return findChildOf(p, name, except) != nullptr; };
     if (!taken(wanted)) return wanted;
+    if (except) stems_.release(p.firstID_, except->getNodeName());  // does not stand in its own way
     return wanted +
            std::to_wstring(stems_.take(p.firstID_, wanted, [&](int k) { return taken(wanted + std::to_wstring(k)); }));
 }
@@ -264,8 +268,10 @@ void Database::reindexName(Node& n, std::wstring& name) {
 }
 
 void Database::renameNode(Node& n, std::wstring const& wanted) {
-    if (n.getNodeName() == wanted || n.removed_) return;
-    std::wstring name = makeUniqueName(n.place_.parent, wanted, &n);
+    if (!n.removed_ && n.getNodeName() != wanted) giveName(n, makeUniqueName(n.place_.parent, wanted, &n));
+}
+
+void Database::giveName(Node& n, std::wstring name) {
     if (name == n.getNodeName()) return;
     noteWrite(n.nameAttribute());
     reindexName(n, name);
@@ -274,10 +280,15 @@ void Database::renameNode(Node& n, std::wstring const& wanted) {
 
 // ---- loading ----
 
-void Database::beginLoading() {
+// History and nodes go; what is listed as removed stays readable until the telling ends.
+void Database::retireContent() {
     dropRedo();
-    dropDone();
-    bottom_ = nextSerial_++;  // a state of its own
+    while (!items_.empty()) {
+        dropItem(items_.front(), false);
+        items_.pop_front();
+    }
+    done_ = 0;
+    checkpoint_ = ~0ull;
     ++telling_;
     for (Record const& r : journal_)
         if (r.subject) r.subject->clear(Attribute::recorded);
@@ -288,16 +299,44 @@ void Database::beginLoading() {
     listNodes(all);
     for (Node* n : all) {
         set_->addRemoved(*n);
-        destroy(*n);
+        retire(*n);
+        graveyard_.push_back(n);
         n->removed_ = true;
     }
-    pages_.clear();
     --telling_;
-    names_ = {};
+    retired_.push_back({std::exchange(graveyard_, {}), std::exchange(pools_, {})});
+    pages_.clear();
+    nodeCount_ = 0;
+}
+
+void Database::adopt(Database& other) {
+    retireContent();
+    pages_ = std::exchange(other.pages_, {});
+    pools_ = std::exchange(other.pools_, {});
+    names_ = std::exchange(other.names_, {});
     stems_ = {};
-    firstChild_ = lastChild_ = nullptr;
-    childCount_ = 0;
+    nodeCount_ = std::exchange(other.nodeCount_, 0);
+    preserved_ = std::exchange(other.preserved_, {});
+    name_ = other.name_;
+    firstChild_ = std::exchange(other.firstChild_, nullptr);
+    lastChild_ = std::exchange(other.lastChild_, nullptr);
+    childCount_ = std::exchange(other.childCount_, 0);
     childIndex_.reset();
+    other.set_ = std::make_unique<ChangeSet>();
+    std::vector<Node*> all;
+    listNodes(all);
+    for (Node* n : all) {
+        n->database_ = this;
+        n->clear(listed);
+        set_->addAdded(*n);
+    }
+    for (ChildLink* l = firstChild_; l; l = l->next) {  // those at the top are told by their parent's id
+        l->parent = this;
+        names_.erase(l->nameHash, l->child->firstID_);
+        l->nameHash = NameTable::hash(firstID_, l->child->getNodeName());
+        if (!l->child->getNodeName().empty()) names_.insert(l->nameHash, l->child->firstID_);
+    }
+    onAdopted();
 }
 
 Node* Database::createForLoading(NodeDef const& def, int id, std::wstring const& name, Node* parent, bool detached) {

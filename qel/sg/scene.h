@@ -70,6 +70,10 @@ public:
     void listConnections(std::vector<ConnectionRecord>& out) const override;
     bool loadConnection(ConnectionRecord const& c) override;
     db::NodeDef const* unknownNodeDef() const override;
+    std::unique_ptr<db::Database> makeEmpty() const override { return std::make_unique<Scene>(); }
+
+protected:
+    void onAdopted() override { ++structure_; }
 
 private:
     struct Task {
