@@ -82,6 +82,32 @@ bool isPlain(XJoint const& joint, bool standsOnJoint) {
 
 bool isMoved(XJoint const& joint, int axis) { return translation(joint, axis).IsConnectedInput(); }
 
+Qelutils::Vector<XObject> jointsOf(XScene const& scene) {
+    Qelutils::Vector<XObject> joints;
+    scene.RootObject().DescendantObjects(joints, XJoint::TypeID, SupportsObjectType);
+    return joints;
+}
+
+// Of the first root that has any.
+std::optional<ClipNotes> clipNotesOf(XScene const& scene) {
+    std::optional<ClipNotes> notes;
+    Qelutils::Vector<XObject> const joints = jointsOf(scene);
+    for (std::size_t i = 0; i < joints.size() && !notes; ++i) notes = recallClip(XJoint(joints[i]));
+    return notes;
+}
+
+FrameTime frameTime(XSceneSettings const& settings, std::optional<ClipNotes> const& notes) {
+    int const rate = settings.FrameRate().Integer();
+    Clip clip;
+    if (notes && Qelutils::parseNumber(notes->frameTime, clip.frameTime)) {
+        clip.frameTimeText = notes->frameTime;
+        bool const usable = clip.frameTime >= shortestFrameTime && clip.frameTime <= longestFrameTime;
+        if (usable && wholeFrameRate(clip) == rate) return {clip.frameTime, notes->frameTime};
+    }
+    double const seconds = 1.0 / (rate > 0 ? rate : XSceneSettings::DefaultFrameRate);
+    return {seconds, Qelutils::number(seconds)};
+}
+
 class Exporter {
 public:
     Exporter(XScene& scene, ExportOptions const& options) : scene_(scene), settings_(scene.SceneSettings()) {
@@ -103,8 +129,7 @@ public:
 private:
     // ---- hierarchy ----
     void collect() {
-        Qelutils::Vector<XObject> joints;
-        scene_.RootObject().DescendantObjects(joints, XJoint::TypeID, SupportsObjectType);
+        Qelutils::Vector<XObject> const joints = jointsOf(scene_);
         std::unordered_map<int, int> places;
         for (XObject const& object : joints) {
             Source source{XJoint(object), {}, true, 0, {}};
@@ -123,7 +148,7 @@ private:
         }
     }
     void readClipNotes() {
-        for (std::size_t i = 0; i < sources_.size() && !notes_; ++i) notes_ = recallClip(sources_[i].joint);
+        notes_ = clipNotesOf(scene_);
         unit_ = unit_ ? unit_ : notes_ ? notes_->unit : Unit::centimetre;
         metres_ = metresPer(*unit_);
     }
@@ -217,26 +242,16 @@ private:
 
     // ---- frames ----
     bool planFrames(Error& error) {
-        planStep();
-        double const start = settings_.StartTime().Float(), end = settings_.EndTime().Float();
-        double const count = std::floor(std::max(0.0, end - start) / clip_.frameTime + 0.5) + 1;
+        FrameTime const step = frameTime(settings_, notes_);
+        clip_.frameTime = step.seconds;
+        clip_.frameTimeText = step.text;
+        double const count = frameCountOf(scene_, step.seconds);
         if (!(count * std::max(1, clip_.channels) <= mostExportedValues))
             return error = {"the scene's time range has too many frames to write"}, false;
         clip_.frames = count == 1 && hasNoKeys() ? 0 : int(count);
-        frames_ = {start, clip_.frameTime, clip_.frames};
+        frames_ = {settings_.StartTime().Float(), clip_.frameTime, clip_.frames};
         return true;
     }
-    // The frame time of the file as long as the scene's frame rate goes with it.
-    void planStep() {
-        int const rate = settings_.FrameRate().Integer();
-        if (notes_ && Qelutils::parseNumber(notes_->frameTime, clip_.frameTime)) {
-            clip_.frameTimeText = notes_->frameTime;
-            if (isUsable(clip_.frameTime) && wholeFrameRate(clip_) == rate) return;
-        }
-        clip_.frameTime = 1.0 / (rate > 0 ? rate : XSceneSettings::DefaultFrameRate);
-        clip_.frameTimeText = Qelutils::number(clip_.frameTime);
-    }
-    static bool isUsable(double frameTime) { return frameTime >= shortestFrameTime && frameTime <= longestFrameTime; }
     bool hasNoKeys() const {
         XAnimation const curve = attributeOf(sources_[0].joint, clip_.joints[0], 0).Animation();
         return sources_[0].notes && curve.IsValid() && curve.KeyframeCount() == 0;
@@ -335,6 +350,13 @@ private:
 };
 
 }  // namespace
+
+FrameTime frameTimeOf(XScene const& scene) { return frameTime(scene.SceneSettings(), clipNotesOf(scene)); }
+
+double frameCountOf(XScene const& scene, double frameTime) {
+    double const start = scene.SceneSettings().StartTime().Float(), end = scene.SceneSettings().EndTime().Float();
+    return std::floor(std::max(0.0, end - start) / frameTime + 0.5) + 1;
+}
 
 bool exportClip(XScene& scene, Clip& clip, Error& error, ExportOptions const& options) {
     if (!scene.IsValid()) return error = {"there is no scene"}, false;

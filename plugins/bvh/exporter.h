@@ -23,6 +23,17 @@ struct ExportOptions {
     std::optional<Unit> unit;  // none: the one it was imported with, or centimetres
 };
 
+struct FrameTime {
+    double seconds = 0;
+    std::string text;  // as the file spells it
+};
+// From one frame to the next: the imported clip's own, as long as the scene's frame rate goes with it, otherwise one by
+// the frame rate.
+FrameTime frameTimeOf(Tavo::XScene const& scene);
+
+// How many frames the scene's time range holds, both ends included.
+double frameCountOf(Tavo::XScene const& scene, double frameTime);
+
 // On failure (no joints, no end of frames, a clip that cannot be written) `clip` stays as it was.
 bool exportClip(Tavo::XScene& scene, Clip& clip, Error& error, ExportOptions const& options = {});
 
