@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build ccache pkg-config  # the build
     libwxgtk3.2-dev                                      # wxBase, which has no development package of its own
-    libeigen3-dev libexpat1-dev                          # linear algebra, XML
+    libexpat1-dev                                        # XML
     libcli11-dev libfmt-dev                              # the command-line host
     libgtest-dev libgmock-dev libbenchmark-dev           # tests and benchmarks
     clang-format python3                                 # checks of the sources and the documentation
