@@ -2,6 +2,8 @@
 
 #include "hosts/tavo/console.h"
 #include "qel/utils/text.h"
+#include "tavo/objects/attribute.h"
+#include "tavo/objects/scene_graph.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -17,7 +19,7 @@ using Qelutils::toUtf8;
 // Without complaint where there is none.
 std::vector<XObject> match(XScene& scene, std::wstring const& pattern) {
     std::vector<sg::Node*> nodes;
-    static_cast<sg::Scene*>(scene.SceneGraph())->findNodes(pattern, nodes);
+    scene.SceneGraph()->Nodes(pattern, nodes);
     return {nodes.begin(), nodes.end()};
 }
 

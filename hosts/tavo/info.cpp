@@ -4,6 +4,7 @@
 #include "plugins/bvh/exporter.h"
 #include "qel/utils/text.h"
 #include "tavo/animation/animation.h"
+#include "tavo/kinematics/transform.h"
 
 #include <algorithm>
 #include <fmt/format.h>

@@ -32,12 +32,13 @@ public:
         ++frames_;
         for (XTransform const& transform : transforms_) sum_ += transform.WorldMatrix().Matrix().Element(3, 1);
     }
+    float sum() const { return sum_; }  // so that nobody finds the reads superfluous
     std::int64_t frames() const { return frames_; }
 
 private:
     std::vector<XTransform> transforms_;
     std::int64_t frames_ = 0;
-    float volatile sum_ = 0;  // so that nobody finds the reads superfluous
+    float sum_ = 0;
 };
 
 struct Outcome {

@@ -60,7 +60,7 @@ std::string numberText(double value, bool single) {
 }
 
 // As RFC 4180 has it.
-std::string quoted(std::string const& text) {
+std::string inQuotes(std::string const& text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     std::string result = "\"";
     for (char const c : text) result.append(c == '"' ? 2 : 1, c);
@@ -95,9 +95,9 @@ public:
 private:
     void addHeader() {
         csv_ = "time,object";
-        for (std::string const& part : readings_[0].parts()) csv_ += ',' + quoted(verb_.attribute + part);
+        for (std::string const& part : readings_[0].parts()) csv_ += ',' + inQuotes(verb_.attribute + part);
         csv_ += '\n';
-        for (std::string& path : paths_) path = quoted(path);
+        for (std::string& path : paths_) path = inQuotes(path);
     }
     void addLine(float time, std::size_t i) {
         csv_ += Qelutils::number(time) + ',' + paths_[i];
