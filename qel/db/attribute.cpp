@@ -101,7 +101,6 @@ bool Attribute::remove() {
 
 // ---- writes and reads ----
 
-bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
 void Attribute::valueChanged() { node().valueChanged(*this); }
 void Attribute::refreshValue() const { node().refreshValue(const_cast<Attribute&>(*this)); }
 

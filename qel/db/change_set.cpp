@@ -36,19 +36,6 @@ std::vector<Node*> const& ChangeSet::ChangedNodes(int typeID) const {
 
 bool ChangeSet::empty() const { return nodes_.empty() && removedAttributes_.empty(); }
 
-void ChangeSet::addAttribute(Attribute& a) {
-    if (a.has(Attribute::listed)) return;
-    a.set(Attribute::listed);
-    attributes_.push_back(&a);
-    addNode(a.node());
-}
-
-void ChangeSet::addNode(Node& n) {
-    if (n.has(Attribute::listed)) return;
-    n.set(Attribute::listed);
-    nodes_.push_back(&n);
-}
-
 void ChangeSet::enter(std::vector<Node*>& list, Node& n, std::uint8_t bit) {
     addNode(n);
     if (n.listedAs_ & bit) return;

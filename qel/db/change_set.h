@@ -30,8 +30,18 @@ public:
     bool empty() const;
 
     // ---- for the database and the graph while the set is built ----
-    void addAttribute(Attribute& a);  // once each, by its flag; lists its node too
-    void addNode(Node& n);
+    // Once each, by its flag; lists its node too.
+    void addAttribute(Attribute& a) {
+        if (a.has(Attribute::listed)) return;
+        a.set(Attribute::listed);
+        attributes_.push_back(&a);
+        addNode(a.node());
+    }
+    void addNode(Node& n) {
+        if (n.has(Attribute::listed)) return;
+        n.set(Attribute::listed);
+        nodes_.push_back(&n);
+    }
     void addRemovedAttribute(Attribute& a) { removedAttributes_.push_back(&a); }
     void addAdded(Node& n) { enter(added_, n, 1); }  // these, too, once each
     void addRemoved(Node& n) { enter(removed_, n, 2); }

@@ -48,7 +48,7 @@ void Database::destruct() {
     emptyGraveyard();
     for (std::size_t p = 0; p < pages_.size(); ++p)
         if (pages_[p] && !(pages_[p] & 1)) destroy(*reinterpret_cast<Node*>(pages_[p]));
-    if (auto const own = std::exchange(dynamics_, nullptr))
+    if (auto const own = std::move(dynamics_))
         for (ElementBlock* b : *own) ElementBlock::destroy(b);
     pages_.clear();
     pools_.clear();
@@ -112,8 +112,10 @@ void Database::commitTransient() {
     endChangeBlock({});
 }
 
+bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
+
 bool Database::noteWrite(Attribute& a) {
-    if (a.isRemoved()) return false;
+    if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
     if (!a.has(Attribute::recorded)) {
         journal_.push_back({&a, a.remember()});
         a.set(Attribute::recorded);

@@ -1,0 +1,130 @@
+// Arrays of values: edits of elements, in one step and across steps. And arrays of attributes.
+#include "tests/qel/db/fixture.h"
+
+namespace db::test {
+namespace {
+
+struct Arrays : Fixture {
+    Node* n = makeStep(L"n");
+    std::vector<float> values() { return numbers(n).getValue(); }
+    void fill(std::size_t count) {
+        step([&] {
+            for (std::size_t i = 0; i < count; ++i) numbers(n).add(float(i));
+        });
+    }
+};
+using Floats = std::vector<float>;
+
+TEST_F(Arrays, BeyondTheEndNothingHappens) {
+    fill(2);
+    EXPECT_FALSE(numbers(n).setElement(1, 2));
+    EXPECT_FALSE(numbers(n).insert(1, 3));
+    EXPECT_FALSE(numbers(n).removeAt(2));
+    EXPECT_EQ(numbers(n).getElement(2), 0);
+    database.commitTransient();
+    EXPECT_EQ(database.getUndoCount(), 2u);
+}
+
+TEST_F(Arrays, NewElementsHaveTheDefaultOfTheRow) {
+    step([&] { get<IntArrayAttribute>(n, L"IntegerArray").resize(2); });
+    EXPECT_EQ(get<IntArrayAttribute>(n, L"IntegerArray").getValue(), (std::vector<int>{3, 3}));
+    step([&] { get<QuaternionArrayAttribute>(n, L"QuaternionArray").resize(1); });
+    EXPECT_EQ(get<QuaternionArrayAttribute>(n, L"QuaternionArray").getElement(0), Qelp::Quat());
+}
+
+TEST_F(Arrays, EditsBeforeAndAfterASpliceInOneStep) {
+    fill(40);
+    Floats const before = values();
+    step([&] {
+        numbers(n).setElement(100, 39);  // the last page, not full
+        numbers(n).add(40);
+        numbers(n).setElement(101, 40);
+        numbers(n).setElement(102, 39);
+        numbers(n).removeAt(0);
+        numbers(n).setElement(103, 0);
+        numbers(n).insert(104, 20);
+        numbers(n).resize(12);
+        numbers(n).setElement(105, 11);
+        numbers(n).setValue({1, 2, 3});
+        numbers(n).setElement(106, 1);
+        numbers(n).clearArray();
+        numbers(n).add(5);
+    });
+    EXPECT_EQ(values(), Floats{5});
+    database.undo();
+    EXPECT_EQ(values(), before);
+    database.redo();
+    EXPECT_EQ(values(), Floats{5});
+    database.undo();
+    EXPECT_EQ(values(), before);
+}
+
+TEST_F(Arrays, OneElementKeepsAPageAndNotACopy) {
+    step([&] { numbers(n).resize(100000); });
+    std::size_t const before = database.getHistoryBytes();
+    for (int i = 0; i < 100; ++i) gesture([&] { numbers(n).setElement(float(i), 5000); });
+    database.commitTransient();
+    EXPECT_LT(database.getHistoryBytes() - before, 1024u);
+}
+
+TEST_F(Arrays, AGestureOfManyElementsIsOneStep) {
+    fill(100);
+    Floats const before = values();
+    for (int i = 0; i < 50; ++i) gesture([&] { numbers(n).setElement(-1, std::size_t(i * 2)), numbers(n).add(1); });
+    database.commitTransient();
+    database.undo();
+    EXPECT_EQ(values(), before);
+}
+
+TEST_F(Arrays, AnAttributeArrayEditsItsElementsOneByOne) {
+    step([&] { elements(n).resize(3); });
+    Attribute* second = elements(n)[1];
+    int const id = second->getID();
+    step([&] { elements(n).removeAt(0); });
+    EXPECT_EQ(second->getLocalPathName(), L"Elements[0]");
+    EXPECT_EQ(second->getName(), L"Elements[0]");
+    EXPECT_EQ(second->getIndex(), 0);
+    EXPECT_EQ(second->getParentAttribute(), &elements(n));
+    EXPECT_EQ(watcher.removedAttributes.size(), 1u);
+    step([&] { EXPECT_TRUE(second->remove()); });
+    EXPECT_TRUE(second->isRemoved());
+    EXPECT_FALSE(second->remove());
+    EXPECT_EQ(database.lookupAttribute(id), nullptr);
+    database.undo();
+    EXPECT_EQ(database.lookupAttribute(id), second);
+    database.undo();
+    EXPECT_EQ(second->getIndex(), 1);
+    EXPECT_EQ(elements(n).insert(9), nullptr);
+}
+
+TEST_F(Arrays, AnAttributeArrayIsAssignedComparedAndReset) {
+    Node* m = makeStep(L"m");
+    step([&] {
+        elements(n).resize(2);
+        n->findAttribute(L"Elements[1].Second")->asString()->setValue(L"x");
+    });
+    step([&] { EXPECT_TRUE(elements(m).assign(elements(n))); });
+    EXPECT_TRUE(elements(m).compare(elements(n)));
+    step([&] { elements(m).setToDefaultValue(); });
+    EXPECT_TRUE(elements(m).isDefaultValue());
+    EXPECT_FALSE(elements(m).compare(elements(n)));
+    database.undo();
+    EXPECT_TRUE(elements(m).compare(elements(n)));
+    EXPECT_FALSE(elements(m).assign(numbers(n)));
+}
+
+TEST_F(Arrays, ANodeContainerDoesNotOwn) {
+    Node* m = makeStep(L"m");
+    auto& container = get<NodeContainer>(n, L"NodeContainer");
+    step([&] { container.add(m), container.add(n); });
+    step([&] { m->remove(); });
+    EXPECT_EQ(container.size(), 2u);
+    EXPECT_EQ(container.getNode(0), nullptr);
+    EXPECT_EQ(container.getNode(1), n);
+    EXPECT_EQ(container.getNode(2), nullptr);
+    database.undo();
+    EXPECT_EQ(container.getNode(0), m);
+}
+
+}  // namespace
+}  // namespace db::test
