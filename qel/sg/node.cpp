@@ -11,6 +11,7 @@ Node::Node(db::NodeDef const& def, Input* room, std::size_t count) : db::Node(de
 }
 
 Node::~Node() {
+    if (database_) graph().forgetLog();
     if (inputs != room_) delete[] inputs;
 }
 
@@ -56,7 +57,7 @@ void Node::finish(std::uint64_t todo) {
     }
     stale &= ~(seen & ~kept);
     dirty &= ~todo;
-    graph().countEvaluation();
+    graph().noteEvaluation(*this);
     compute(todo);
 }
 

@@ -35,7 +35,10 @@ struct Plan {
         Node* node;
         std::uint64_t dirty, stale;
     };
-    std::uint64_t structure = 0, pushed = 0;
+    std::uint64_t structure = 0;
+    std::uint64_t pushed = 0;  // the evaluations until the last push; only what came later lacks marks
+    std::uint32_t id = 0;
+    bool isNumbered = false;  // its nodes bear its id and their places in it
     std::vector<Step> steps;
 };
 
@@ -81,6 +84,7 @@ public:
         return 1ull << (input < 63 ? input : 63);
     }  // many share the last
     inline void update(std::uint64_t bits, int depth = 0);
+    inline void prefetchSources() const;
     void finish(std::uint64_t todo);
     std::size_t addInput(Input const& input);
     OutGroup* groupOf(db::Attribute const& a, bool hierarchy = false);
@@ -93,7 +97,8 @@ public:
     std::vector<OutGroup> outputs;
     std::vector<Place> places;   // one per input
     std::uint32_t passBits = 0;  // bits given to plain attributes that are connected and feed others
-    std::uint32_t mark = 0, planIndex = 0, upBits = 0, downBits = 0;  // scratch of searches
+    std::uint32_t mark = 0, upBits = 0, downBits = 0;  // scratch of searches
+    std::uint32_t planID = 0, planIndex = 0;           // the plan made last that reaches this node; 0: none
 
 protected:
     // `room`: inputs that the class holds inside itself, beside its state.
@@ -102,6 +107,9 @@ protected:
 private:
     Input* room_;
 };
+
+// Where a class begins that holds its inputs first and on a cache line of their own.
+inline constexpr std::size_t roomOffset = (sizeof(Node) + 63) / 64 * 64;
 
 // Takes a value over, converting between the kinds of number. The kinds are known to match or convert.
 void carryAny(db::Attribute const& from, db::Attribute& to);

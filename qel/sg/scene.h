@@ -65,7 +65,16 @@ public:
     void push(sg::Node& n, db::Attribute& a);
     void read(sg::Node& n, std::uint64_t bits) { n.update(bits); }
     void updateDeep(sg::Node& n, std::uint64_t bits);
-    void countEvaluation() { ++evaluations_; }
+    // `n` has come up to date: what the next push has to mark again.
+    void noteEvaluation(sg::Node& n) {
+        ++evaluations_;
+        log_.push_back(&n);
+        if (log_.size() >= mostLogged) forgetLog();
+    }
+    void forgetLog() {  // also when a node in it goes
+        log_.clear();
+        logStart_ = evaluations_;
+    }
 
     void listConnections(std::vector<ConnectionRecord>& out) const override;
     bool loadConnection(ConnectionRecord const& c) override;
@@ -85,10 +94,16 @@ private:
     void pushEdges(OutGroup& g);
     void spread();
     void makePlan(OutGroup& g);
+    bool markLogged(Plan& plan);
+    void markAll(Plan& plan);
     void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
 
     std::uint64_t structure_ = 1;  // moves on with each connection made or broken
     std::uint64_t evaluations_ = 0;
+    static constexpr std::size_t mostLogged = 1 << 20, longLog = 1 << 12;
+    std::vector<sg::Node*> log_;  // what was evaluated after the first logStart_ evaluations, in order
+    std::uint64_t logStart_ = 0;
+    std::uint32_t lastPlanID_ = 0;
     std::vector<Task> stack_, deep_;
     std::uint32_t mark_ = 0;
 };
@@ -96,10 +111,22 @@ private:
 // The bits of the outputs that `a` is, or needs when it is read; 0 of a plain attribute.
 std::uint32_t outputBits(db::Attribute const& a);
 
+// Several sources are about to be read, each from memory of its own: asked for together, they arrive together.
+inline void Node::prefetchSources() const {
+    for (std::uint64_t s = stale & ~(1ull << 63); s; s &= s - 1) {
+        Input const& i = inputs[std::size_t(__builtin_ctzll(s))];
+        __builtin_prefetch(i.source, 1);
+        __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset, 1);
+        __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset + 64, 1);
+        __builtin_prefetch(i.from, 1);
+    }
+}
+
 inline void Node::update(std::uint64_t bits, int depth) {
     std::uint64_t const todo = dirty & bits;
     if (!todo) return;
     if (depth > 200) return graph().updateDeep(*this, bits);
+    if (stale & (stale - 1)) prefetchSources();
     for (std::uint64_t s = stale; s; s &= s - 1) {
         std::size_t const first = std::size_t(__builtin_ctzll(s));
         if (first == 63) break;
@@ -123,7 +150,7 @@ inline void Node::update(std::uint64_t bits, int depth) {
         if (all) stale &= ~(1ull << 63);
     }
     dirty &= ~todo;
-    graph().countEvaluation();
+    graph().noteEvaluation(*this);
     compute(todo);
 }
 
