@@ -101,6 +101,7 @@ void Session::openClip(std::string const& file, bvh::ImportOptions const& option
     OpenedClip& opened = clip_.emplace();
     bvh::Error error;
     if (!bvh::readFile(file, opened.clip, error, &opened.notes)) throw badInput(file, error.text());
+    scene().New();
     XChangeBlock const block(scene(), label);
     if (!bvh::importClip(opened.clip, scene(), options, &opened.report))
         throw Failure{ExitCode::failed, fmt::format("{}: the clip could not be brought into a scene", file)};
