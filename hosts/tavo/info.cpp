@@ -23,9 +23,9 @@ struct TreeLine {
 };
 
 struct Facts {
-    std::map<std::string, int> objects;  // by type
-    std::vector<TreeLine> tree;          // below the origin, without curves
-    double start, end, playbackStart, playbackEnd;
+    std::map<std::string, int> objects;            // by type
+    std::vector<TreeLine> tree;                    // below the origin, without curves
+    float start, end, playbackStart, playbackEnd;  // seconds
     int frameRate;
     bvh::FrameTime frameTime;
     double frames;
@@ -75,8 +75,8 @@ Facts gather(Session& session) {
 
 // ---- for people ----
 
-std::string range(double from, double to) {
-    return fmt::format("{} to {} s", Qelutils::number(float(from)), Qelutils::number(float(to)));
+std::string range(float from, float to) {
+    return fmt::format("{} to {} s", Qelutils::number(from), Qelutils::number(to));
 }
 
 std::string sceneText(Facts const& facts) {

@@ -72,6 +72,12 @@ public:
         auto const found = examples.find(app->get_name());
         return app->get_description() + "\n\n" + (found == examples.end() ? "" : found->second + "\n\n");
     }
+    std::string make_subcommands(CLI::App const* app, CLI::AppFormatMode mode) const override {
+        std::string const text = CLI::Formatter::make_subcommands(app, mode);
+        std::string const head = "Subcommands:";
+        std::size_t const at = text.find(head);
+        return at == std::string::npos ? text : text.substr(0, at) + "Verbs:" + text.substr(at + head.size());
+    }
     std::string make_subcommand(CLI::App const* verb) const override {
         return fmt::format("  {:<12}{}\n", verb->get_name(), verb->get_description());
     }
@@ -86,7 +92,6 @@ public:
         app_.require_subcommand(1);
         app_.set_version_flag("--version", "tavo " TAVO_VERSION);
         app_.get_formatter()->label("SUBCOMMAND", "VERB");
-        app_.get_formatter()->label("Subcommands", "Verbs");
         help_->examples["tavo"] = overview;
         addImport();
         addExport();

@@ -201,7 +201,7 @@ private:
     static std::vector<Channel> usualChannels(Source const& source, bool isRoot) {
         std::vector<Channel> channels;
         bool const moves = isMoved(source.joint, 0) || isMoved(source.joint, 1) || isMoved(source.joint, 2);
-        if (isRoot || moves) channels = {Channel::xPosition, Channel::yPosition, Channel::zPosition};
+        if (isRoot || moves || !source.plain) channels = {Channel::xPosition, Channel::yPosition, Channel::zPosition};
         channels.insert(channels.end(), {Channel::xRotation, Channel::yRotation, Channel::zRotation});
         return channels;
     }
@@ -248,13 +248,9 @@ private:
         double const count = frameCountOf(scene_, step.seconds);
         if (!(count * std::max(1, clip_.channels) <= mostExportedValues))
             return error = {"the scene's time range has too many frames to write"}, false;
-        clip_.frames = count == 1 && hasNoKeys() ? 0 : int(count);
+        clip_.frames = int(count);
         frames_ = {settings_.StartTime().Float(), clip_.frameTime, clip_.frames};
         return true;
-    }
-    bool hasNoKeys() const {
-        XAnimation const curve = attributeOf(sources_[0].joint, clip_.joints[0], 0).Animation();
-        return sources_[0].notes && curve.IsValid() && curve.KeyframeCount() == 0;
     }
     static XAttribute attributeOf(XJoint const& joint, Joint const& written, std::size_t place) {
         if (place >= written.channels.size()) return {};
@@ -332,7 +328,7 @@ private:
     // Of joints that came from no file; where positions add up, their OFFSET stays zero.
     void offsetOfFirstFrame(std::size_t i) {
         Joint& joint = clip_.joints[i];
-        if (sources_[i].notes || adds() || clip_.frames == 0) return;
+        if (sources_[i].notes || adds()) return;
         for (std::size_t k = 0; k < joint.channels.size(); ++k)
             if (isPosition(joint.channels[k]))
                 joint.offset[std::size_t(axisOf(joint.channels[k]))] = clip_.value(0, joint.column + int(k));
