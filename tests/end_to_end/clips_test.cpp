@@ -82,7 +82,8 @@ TEST(SharedClips, ArePlayedThroughWhereTheyArePresent) {
 
 TEST_P(Clips, StandWhereTheNumbersOfTheFileSayAndComeBackFromSceneAndFile) {
     Clip const clip = mustRead(fileText(GetParam()));
-    kinematics::Motion const motion = kinematics::load(GetParam().string());
+    kinematics::Motion motion = kinematics::load(GetParam().string());
+    motion.adds = GetParam().stem() == "mh_benchmark_pose";  // its bones' positions are 0, their offsets are not
     ImportReport const report = import(clip);
     double const unit = metresPer(report.unit), tolerance = 1e-4 * kinematics::size(motion);
     EXPECT_LE(farthest(motion, unit), tolerance);

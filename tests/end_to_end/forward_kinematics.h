@@ -24,6 +24,7 @@ struct Motion {
     std::vector<Bone> bones;
     std::vector<std::vector<double>> frames;
     double frameTime = 0;
+    bool adds = false;  // position channels are differences from the offset; otherwise they stand in its place
 };
 
 inline Motion load(std::string const& path) {
@@ -86,7 +87,7 @@ inline Matrix turn(char axis, double degrees) {
     return {{{c, -s, 0}, {s, c, 0}, {0, 0, 1}}};
 }
 
-// World positions of all bones in a frame, in the file's unit. Position channels stand in place of the offset.
+// World positions of all bones in a frame, in the file's unit.
 inline std::vector<Vector> positions(Motion const& motion, std::size_t frame) {
     std::vector<Vector> place;
     std::vector<Matrix> turned;
@@ -95,8 +96,9 @@ inline std::vector<Vector> positions(Motion const& motion, std::size_t frame) {
         Vector at = bone.offset;
         Matrix rotation{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
         for (std::string const& channel : bone.channels) {
+            auto const axis = std::size_t(channel[0] - 'X');
             if (channel.find("position") != std::string::npos)
-                at[std::size_t(channel[0] - 'X')] = *value++;
+                at[axis] = (motion.adds ? bone.offset[axis] : 0) + *value++;
             else
                 rotation = multiply(rotation, turn(channel[0], *value++));
         }
