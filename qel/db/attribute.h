@@ -151,12 +151,14 @@ public:
     Slot* anchor() const;  // of its block: what handles attach to
 
     bool noteWrite();  // what beforeWrite() does the first time
+    bool noteWrite(std::uint64_t old);  // of a value that fits the word
 
 protected:
     virtual void keepWhole() {}  // beyond what remember() kept
     Attribute(AttributePlace place, AttributeType kind) :
         bits_(place.back | place.number << numberShift | std::uint32_t(kind) << kindShift |
               (place.outside ? outside : 0u)) {}
+    bool isNoted() const { return (bits_ & (recorded | listed)) == (recorded | listed); }
     inline bool beforeWrite();  // false: removed, the write must not happen
     inline void afterWrite();
     inline void refresh() const;
@@ -174,7 +176,7 @@ private:
 };
 
 // The first write of a block is noted, and told to the graph only where something depends on the attribute.
-inline bool Attribute::beforeWrite() { return (bits_ & (recorded | listed)) == (recorded | listed) || noteWrite(); }
+inline bool Attribute::beforeWrite() { return isNoted() || noteWrite(); }
 inline void Attribute::afterWrite() {
     if (has(feeds)) valueChanged();
 }

@@ -1,13 +1,15 @@
 #include "qel/db/change_set.h"
 #include "qel/db/database.h"
+#include <unordered_set>
 
 namespace db {
 
 bool ChangeSet::hasChanged(Attribute const* attribute, bool children, bool) const {
     if (!attribute) return false;
-    if (sortedCount_ != attributes_.size() + nodes_.size()) {
+    std::vector<Node*> const& nodes = ChangedNodes();
+    if (sortedCount_ != attributes_.size() + nodes.size()) {
         sorted_.assign(attributes_.begin(), attributes_.end());
-        sorted_.insert(sorted_.end(), nodes_.begin(), nodes_.end());
+        sorted_.insert(sorted_.end(), nodes.begin(), nodes.end());
         std::sort(sorted_.begin(), sorted_.end());
         sortedCount_ = sorted_.size();
     }
@@ -21,8 +23,24 @@ bool ChangeSet::hasChanged(Attribute const* attribute, bool children, bool) cons
     return std::any_of(attributes_.begin(), attributes_.end(), inside);
 }
 
+std::vector<Node*> const& ChangeSet::ChangedNodes() const {
+    if (nodesCount_ == touched_.size() + attributes_.size()) return nodes_;
+    nodesCount_ = touched_.size() + attributes_.size();
+    nodes_ = touched_;
+    if (nodesCount_ <= 16) {
+        for (Attribute const* a : attributes_)
+            if (std::find(nodes_.begin(), nodes_.end(), &a->node()) == nodes_.end()) nodes_.push_back(&a->node());
+        return nodes_;
+    }
+    std::unordered_set<Node const*> known(touched_.begin(), touched_.end());
+    for (Attribute const* a : attributes_)
+        if (known.insert(&a->node()).second) nodes_.push_back(&a->node());
+    return nodes_;
+}
+
 std::vector<Node*> const& ChangeSet::ChangedNodes(int typeID) const {
     static std::vector<Node*> const none;
+    ChangedNodes();
     if (groupedCount_ != nodes_.size()) {
         byType_.clear();
         for (Node* n : nodes_) byType_[n->getNodeDef().getTypeID()].push_back(n);
@@ -34,7 +52,7 @@ std::vector<Node*> const& ChangeSet::ChangedNodes(int typeID) const {
     return it == byType_.end() ? none : it->second;
 }
 
-bool ChangeSet::empty() const { return nodes_.empty() && removedAttributes_.empty(); }
+bool ChangeSet::empty() const { return attributes_.empty() && touched_.empty() && removedAttributes_.empty(); }
 
 void ChangeSet::enter(std::vector<Node*>& list, Node& n, std::uint8_t bit) {
     addNode(n);
@@ -45,15 +63,15 @@ void ChangeSet::enter(std::vector<Node*>& list, Node& n, std::uint8_t bit) {
 
 void ChangeSet::close() {
     for (Attribute* a : attributes_) a->clear(Attribute::listed);
-    for (Node* n : nodes_) n->clear(Attribute::listed), n->listedAs_ = 0;
+    for (Node* n : touched_) n->clear(Attribute::listed), n->listedAs_ = 0;
 }
 
 void ChangeSet::reset() {
-    for (auto* list : {&nodes_, &added_, &removed_, &renamed_, &reparented_}) list->clear();
+    for (auto* list : {&touched_, &nodes_, &added_, &removed_, &renamed_, &reparented_}) list->clear();
     attributes_.clear();
     removedAttributes_.clear();
     if (groupedCount_ > 0) byType_.clear();
-    sortedCount_ = groupedCount_ = 0;
+    nodesCount_ = sortedCount_ = groupedCount_ = 0;
 }
 
 }  // namespace db

@@ -21,7 +21,7 @@ public:
 
     std::vector<Attribute*> const& ChangedAttributes() const { return attributes_; }
     std::vector<Attribute*> const& RemovedAttributes() const { return removedAttributes_; }
-    std::vector<Node*> const& ChangedNodes() const { return nodes_; }
+    std::vector<Node*> const& ChangedNodes() const;            // each once
     std::vector<Node*> const& ChangedNodes(int typeID) const;  // of exactly that type, each once, by id
     std::vector<Node*> const& AddedNodes() const { return added_; }
     std::vector<Node*> const& RemovedNodes() const { return removed_; }
@@ -30,17 +30,16 @@ public:
     bool empty() const;
 
     // ---- for the database and the graph while the set is built ----
-    // Once each, by its flag; lists its node too.
+    // Once each, by its flag. Its node counts as changed too; which those are is found when someone asks.
     void addAttribute(Attribute& a) {
         if (a.has(Attribute::listed)) return;
         a.set(Attribute::listed);
         attributes_.push_back(&a);
-        addNode(a.node());
     }
     void addNode(Node& n) {
         if (n.has(Attribute::listed)) return;
         n.set(Attribute::listed);
-        nodes_.push_back(&n);
+        touched_.push_back(&n);
     }
     void addRemovedAttribute(Attribute& a) { removedAttributes_.push_back(&a); }
     void addAdded(Node& n) { enter(added_, n, 1); }  // these, too, once each
@@ -58,11 +57,12 @@ private:
     void enter(std::vector<Node*>& list, Node& n, std::uint8_t bit);
 
     std::vector<Attribute*> attributes_, removedAttributes_;
-    std::vector<Node*> nodes_, added_, removed_, renamed_, reparented_;
+    std::vector<Node*> touched_, added_, removed_, renamed_, reparented_;
+    mutable std::vector<Node*> nodes_;
     mutable std::vector<Attribute const*> sorted_;
     mutable std::unordered_map<int, std::vector<Node*>> byType_;
-    // How much of the lists the two indices know: a set may be asked before it is complete.
-    mutable std::size_t sortedCount_ = 0, groupedCount_ = 0;
+    // How much of the lists these know: a set may be asked before it is complete.
+    mutable std::size_t nodesCount_ = 0, sortedCount_ = 0, groupedCount_ = 0;
 };
 
 }  // namespace db

@@ -113,11 +113,22 @@ void Database::commitTransient() {
 }
 
 bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
+bool Attribute::noteWrite(std::uint64_t old) { return node().database_->noteWrite(*this, old); }
 
 bool Database::noteWrite(Attribute& a) {
     if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
     if (!a.has(Attribute::recorded)) {
         journal_.push_back({&a, a.remember()});
+        a.set(Attribute::recorded);
+    }
+    set_->addAttribute(a);
+    return true;
+}
+
+bool Database::noteWrite(Attribute& a, std::uint64_t old) {
+    if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
+    if (!a.has(Attribute::recorded)) {
+        journal_.push_back({&a, old});
         a.set(Attribute::recorded);
     }
     set_->addAttribute(a);

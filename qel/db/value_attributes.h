@@ -43,6 +43,17 @@ public:
         value_ = std::move(value);
         afterWrite();
     }
+
+protected:
+    // A small value goes along: it need not be asked for.
+    bool beforeWrite() {
+        if constexpr (fitsRecord<T>)
+            return isNoted() || noteWrite(ValueAttribute::remember());
+        else
+            return Attribute::beforeWrite();
+    }
+
+public:
     // The stored value, without evaluation and without record: for nodes that compute, and for loading.
     T& raw() { return value_; }
     T const& raw() const { return value_; }

@@ -47,13 +47,30 @@ CurveKeys AnimationNode::keys() {
 void AnimationNode::prepareKeys() {
     isRotationCurve_ = isRotation();
     rotations_.clear();
-    auto const& quaternions = at<db::AttributeArray>(KeyframeOutputValuesQuat);
-    for (std::size_t i = 0; isRotationCurve_ && i < quaternions.size(); ++i) {
-        auto const* q = quaternions.getElement(i)->asComposite();
-        auto part = [&](std::size_t c) { return q->getAttribute(c)->asFloat()->raw(); };
-        rotations_.push_back({part(0), part(1), part(2), part(3)});
-    }
+    int const count = isRotationCurve_ ? int(at<db::AttributeArray>(KeyframeOutputValuesQuat).size()) : 0;
+    for (int i = 0; i < count; ++i) rotations_.push_back(getRotationKey(i));
     curve_.update(keys());
+}
+
+db::CompositeAttribute* AnimationNode::rotationKey(int slot) const {
+    db::Attribute* key =
+        slot < 0 ? nullptr : at<db::AttributeArray>(KeyframeOutputValuesQuat).getElement(std::size_t(slot));
+    return key ? key->asComposite() : nullptr;
+}
+
+Qelp::Quat AnimationNode::getRotationKey(int slot) const {
+    db::CompositeAttribute const* key = rotationKey(slot);
+    if (!key) return {};
+    auto part = [&](std::size_t c) { return key->getAttribute(c)->asFloat()->raw(); };
+    return {part(0), part(1), part(2), part(3)};
+}
+
+bool AnimationNode::setRotationKey(int slot, Qelp::Quat const& value) {
+    db::CompositeAttribute* key = rotationKey(slot);
+    if (!key) return false;
+    float const parts[] = {value.x, value.y, value.z, value.w};
+    for (std::size_t c = 0; c < 4; ++c) key->getAttribute(c)->asFloat()->setValue(parts[c]);
+    return true;
 }
 
 void AnimationNode::prepare() { update(keysBit); }

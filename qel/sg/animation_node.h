@@ -55,12 +55,16 @@ public:
     bool getOutputTangentControlPoint(int rank, float& out);
     // The slots of the keys in the order of their inputs.
     void getKeysOrderArray(std::vector<int>& out);
+    // A key of a quaternion curve, by slot. A missing one reads as the identity and refuses to be written: false.
+    Qelp::Quat getRotationKey(int slot) const;
+    bool setRotationKey(int slot, Qelp::Quat const& value);
     int getKeyCount() const { return int(at<db::FloatArrayAttribute>(KeyframeInputValues).raw().size()); }
 
     void compute(std::uint64_t todo) override;
 
 private:
     void computeRotation();
+    db::CompositeAttribute* rotationKey(int slot) const;
     bool isRotation() const { return at<db::EnumAttribute>(OutputMode).raw() == 1; }
     void prepare();
     void prepareKeys();

@@ -151,13 +151,41 @@ void Scene::pushGroup(OutGroup& g) {
         }
         makePlan(g);
     }
-    if (g.plan.pushed == evaluations_ + 1) return;  // nobody has computed anything since
-    for (Plan::Step const& s : g.plan.steps) {
-        s.node->dirty |= s.dirty;
-        s.node->stale |= s.stale;
+    if (!markLogged(g.plan)) markAll(g.plan);
+    if (log_.size() > longLog) forgetLog();
+    g.plan.pushed = evaluations_;
+}
+
+// What nobody has read since the last push still bears its marks, so that one character of a hundred costs what one
+// costs alone. False when the log cannot tell, or when to go through the plan is no more work.
+bool Scene::markLogged(Plan& plan) {
+    std::uint64_t const missed = evaluations_ - plan.pushed;
+    if (!plan.isNumbered || plan.pushed < logStart_ || missed > plan.steps.size() / 2) return false;
+    for (std::size_t i = log_.size() - std::size_t(missed); i < log_.size(); ++i) {
+        sg::Node& n = *log_[i];
+        if (n.planID == 0) continue;
+        plan.isNumbered = n.planID == plan.id;  // otherwise another plan reaches it too
+        if (!plan.isNumbered) return false;
+        n.dirty |= plan.steps[n.planIndex].dirty;
+        n.stale |= plan.steps[n.planIndex].stale;
     }
-    for (Edge const& e : g.plan.late) e.target->setStale(e.input);
-    g.plan.pushed = evaluations_ + 1;
+    return true;
+}
+
+void Scene::markAll(Plan& plan) {
+    constexpr std::size_t ahead = 12;
+    std::size_t const count = plan.steps.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i + ahead < count) __builtin_prefetch(&plan.steps[i + ahead].node->dirty, 1);
+        plan.steps[i].node->dirty |= plan.steps[i].dirty;
+        plan.steps[i].node->stale |= plan.steps[i].stale;
+    }
+    for (std::size_t i = 0; !plan.isNumbered && i < count; ++i) {
+        plan.steps[i].node->planID = plan.id;
+        plan.steps[i].node->planIndex = std::uint32_t(i);
+    }
+    for (Edge const& e : plan.late) e.target->setStale(e.input);
+    plan.isNumbered = plan.late.empty();  // steps do not tell which of the late inputs are theirs
 }
 
 void Scene::makePlan(OutGroup& g) {
@@ -166,10 +194,12 @@ void Scene::makePlan(OutGroup& g) {
     plan.late.clear();
     std::uint32_t const mark = ++mark_;
     std::vector<OutGroup const*> work{&g};
+    plan.id = ++lastPlanID_;
     auto reach = [&](Edge const& e) {
         sg::Node& t = *e.target;
         if (t.mark != mark) {
             t.mark = mark;
+            t.planID = plan.id;  // whatever plan had it before must look for itself
             t.planIndex = std::uint32_t(plan.steps.size());
             plan.steps.push_back({&t, 0, 0});
         }
@@ -190,7 +220,7 @@ void Scene::makePlan(OutGroup& g) {
         for (Edge const& e : o.edges) reach(e);
     }
     plan.structure = structure_;
-    plan.pushed = 0;
+    plan.isNumbered = false;
 }
 
 // ---- chains too deep to recurse into ----

@@ -11,6 +11,7 @@ Node::Node(db::NodeDef const& def, Input* room, std::size_t count) : db::Node(de
 }
 
 Node::~Node() {
+    if (database_) graph().forgetLog();
     if (inputs != room_) delete[] inputs;
 }
 
@@ -37,7 +38,7 @@ void Node::refreshPlain(db::Attribute& a, int depth) {
     if (depth > Scene::mostDepth) return graph().refreshDeep(*this, i);
     takeOver(inputs[i], depth);
     clearStale(std::size_t(i));  // our outputs are out of date and will find the value in place
-    graph().countEvaluation();
+    graph().noteEvaluation(*this);
 }
 
 void Node::callCompute(db::Attribute& a) {

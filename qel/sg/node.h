@@ -44,7 +44,10 @@ struct Plan {
         Node* node;
         std::uint64_t dirty, stale;
     };
-    std::uint64_t structure = 0, pushed = 0;
+    std::uint64_t structure = 0;
+    std::uint64_t pushed = 0;  // the evaluations until the last push; only what came later lacks marks
+    std::uint32_t id = 0;
+    bool isNumbered = false;  // its nodes bear its id and their places in it
     std::vector<Step> steps;
     std::vector<Edge> late;  // inputs from the 64th on of their nodes
 };
@@ -108,6 +111,7 @@ public:
             inputs[input].affects &= ~Input::lateStale;
     }
     inline void update(std::uint64_t bits, int depth = 0);
+    inline void prefetchSources() const;
     inline void takeOver(Input& input, int depth);
     void takeOverLate(std::uint64_t todo, int depth);
     void refreshPlain(db::Attribute& a, int depth);  // an attribute that is no output
@@ -122,8 +126,9 @@ public:
         std::uint32_t upMark = 0, downMark = 0;  // scratch of searches
     };
     std::vector<OutGroup> outputs;
-    std::vector<Place> places;                                        // one per input
-    std::uint32_t mark = 0, planIndex = 0, upBits = 0, downBits = 0;  // scratch of searches
+    std::vector<Place> places;                         // one per input
+    std::uint32_t mark = 0, upBits = 0, downBits = 0;  // scratch of searches
+    std::uint32_t planID = 0, planIndex = 0;           // the plan made last that reaches this node; 0: none
 
 protected:
     // `room`: inputs that the class holds inside itself, beside its state.
@@ -133,6 +138,9 @@ private:
     template<class Which> void disconnectWhere(Which const& which);
     Input* room_;
 };
+
+// Where a class begins that holds its inputs first and on a cache line of their own.
+inline constexpr std::size_t roomOffset = (sizeof(Node) + 63) / 64 * 64;
 
 // Takes a value over, converting between the kinds of number. The kinds are known to match or convert.
 void carryAny(db::Attribute const& from, db::Attribute& to);

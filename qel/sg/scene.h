@@ -68,7 +68,16 @@ public:
     static constexpr int mostDepth = 200;  // beyond it evaluation goes on without recursion
     void updateDeep(sg::Node& n, std::uint64_t bits) { evaluateDeep({&n, bits, -1}); }
     void refreshDeep(sg::Node& n, int input) { evaluateDeep({&n, 0, input}); }
-    void countEvaluation() { ++evaluations_; }
+    // `n` has come up to date: what the next push has to mark again.
+    void noteEvaluation(sg::Node& n) {
+        ++evaluations_;
+        log_.push_back(&n);
+        if (log_.size() >= mostLogged) forgetLog();
+    }
+    void forgetLog() {  // also when a node in it goes
+        log_.clear();
+        logStart_ = evaluations_;
+    }
     // Would a value that flows from the one to the other come back to where it starts? Attribute by attribute: a.tx to
     // b.tx and b.world to a matrix of a that does not move tx is legal. Every parent of a node counts, as its world
     // matrix may come to depend on each when others go.
@@ -100,10 +109,16 @@ private:
     void queue(sg::Node& n, db::Attribute const& plain);
     void spread();
     void makePlan(OutGroup& g);
+    bool markLogged(Plan& plan);
+    void markAll(Plan& plan);
     void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
 
     std::uint64_t structure_ = 1;  // moves on with each connection made or broken
     std::uint64_t evaluations_ = 0;
+    static constexpr std::size_t mostLogged = 1 << 20, longLog = 1 << 12;
+    std::vector<sg::Node*> log_;  // what was evaluated after the first logStart_ evaluations, in order
+    std::uint64_t logStart_ = 0;
+    std::uint32_t lastPlanID_ = 0;
     std::vector<OutGroup*> stack_;
     std::vector<Task> deep_;
     std::uint32_t mark_ = 0;
@@ -111,6 +126,17 @@ private:
 
 // The bits of the outputs that `a` is, or needs when it is read; 0 of a plain attribute.
 std::uint32_t outputBits(db::Attribute const& a);
+
+// Several sources are about to be read, each from memory of its own: asked for together, they arrive together.
+inline void Node::prefetchSources() const {
+    for (std::uint64_t s = stale & ~(1ull << 63); s; s &= s - 1) {
+        Input const& i = inputs[std::size_t(__builtin_ctzll(s))];
+        __builtin_prefetch(i.source, 1);
+        __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset, 1);
+        __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset + 64, 1);
+        __builtin_prefetch(i.from, 1);
+    }
+}
 
 inline void Node::takeOver(Input& i, int depth) {
     if (i.sourceBits) {
@@ -124,6 +150,7 @@ inline void Node::update(std::uint64_t bits, int depth) {
     std::uint64_t const todo = dirty & bits;
     if (!todo) return;
     if (depth > Scene::mostDepth) return graph().updateDeep(*this, bits);
+    if (stale & (stale - 1)) prefetchSources();
     for (std::uint64_t s = stale & ~lateBit; s; s &= s - 1) {
         Input& i = inputs[std::size_t(__builtin_ctzll(s))];
         if (!(i.affects & todo)) continue;
@@ -132,7 +159,7 @@ inline void Node::update(std::uint64_t bits, int depth) {
     }
     if (stale & lateBit) takeOverLate(todo, depth);
     dirty &= ~todo;
-    graph().countEvaluation();
+    graph().noteEvaluation(*this);
     compute(todo);
 }
 

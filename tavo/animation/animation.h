@@ -123,8 +123,27 @@ public:
     void onInitialize() override { XObject::onInitialize(); }
 
 private:
-    bool isFloatMode() const;
-    bool isQuaternionMode() const;
+    friend class XKeyframe;
+
+    sg::AnimationNode* curveNode() const { return IsValid() ? static_cast<sg::AnimationNode*>(getNode()) : nullptr; }
+    bool isFloatMode() const { return isInMode(FloatOutputMode); }
+    bool isQuaternionMode() const { return isInMode(RotationOutputMode); }
+    bool isInMode(Mode mode) const { return IsValid() && OutputMode().Enumeration() == mode; }
+    // The arrays of float mode, in the order in which keys are added to them.
+    void forEachFloatArray(auto const& action) const {
+        for (int row : {26, 27, 33, 34, 29, 30, 31, 32}) action(Attribute(row));
+    }
+    XKeyframe keyOfRank(int sorted) const;
+    bool inputsOfRanks(int from, int to, float& first, float& last) const;
+    XAnimation& forKeys(int first, int last, auto const& action);
+    XAnimation& forHits(auto const& isHit, auto const& action);
+    XAnimation& forRange(int from, int to, auto const& hits, auto const& action);
+    XAnimation& forOne(XKeyframe key, auto const& action);
+    XAnimation& deleteKeys(int first, int last, auto const& isHit);
+    XKeyframe editKey(XKeyframe key, float const* x, float y, int interpolation, int continuity);  // null x: as it is
+    XKeyframe editKey(XKeyframe key, float const* x, XQuaternion const& value);
+    void writeKeys(Qelutils::Vector<float> const& inputs, Qelutils::Vector<float> const& outputs, int interpolation,
+                   int continuity);
 };
 using XAnimationDef = XTypedDef<XAnimation>;
 

@@ -70,7 +70,7 @@ public:
     XKeyframe& SetOutputValue(float value);
     XKeyframe& SetOutputValueQuat(XQuaternion const& value);
     XKeyframe& SetContinuity(int continuity);
-    XKeyframe& SetContinuity(std::wstring const& label);
+    XKeyframe& SetContinuity(std::wstring const& label);  // a label or a key; any other text does nothing
     XKeyframe& SetInterpolation(int interpolation);
     XKeyframe& SetInterpolation(std::wstring const& label);
     XKeyframe& SetInTangentX(float value);
@@ -101,6 +101,9 @@ public:
 private:
     bool isFloatMode() const;
     bool isQuaternionMode() const;
+    float readFloat(XAttribute const& array) const;
+    XKeyframe& writeFloat(XAttribute array, float value);
+    XKeyframe& writeEnumeration(XAttribute array, int value);
 
     int _objectID = InvalidID;
     int _attributeIndex = -1;

@@ -10,6 +10,7 @@
 #include "qel/utils/vector.h"
 #include "tavo/app/script_base.h"
 #include "tavo/app/word.h"
+#include <algorithm>
 #include <cwchar>
 #include <memory>
 #include <string>
@@ -34,6 +35,7 @@ class XPluginManager;
 class XPythonScript;
 class XScene;
 class XSceneObserver;
+class XScriptEngine;
 class XSettings;
 class XSettingsObserver;
 
@@ -50,7 +52,7 @@ public:
     void Startup(LuaPlus::LuaStateOwner* state, Qelutils::BasicLogger* logger, wchar_t const* executableDir);
     void Shutdown();  // deletes this object
     // Runs InitializationScriptName of `directory`, which ends in a separator.
-    void RunStartupScripts(std::wstring const& directory) const;
+    void RunStartupScripts(std::wstring const& directory);
     void SetFrame(qellua::LuaFrame* frame, wxString name);  // borrowed
     void UpdateFrame();
     void UpdateDisplay();
@@ -69,7 +71,7 @@ public:
     Qelutils::Vector<XSceneObserver*> const& SceneObservers() const { return _sceneObservers; }
     Qelutils::Vector<XSettingsObserver*> const& SettingsObservers() const { return _settingsObservers; }
 
-    // ---- scenes ----
+    // ---- scenes; these, too, only while started ----
     unsigned int SceneCount() const;
     XScene& GetScene(int index);
     int ActiveSceneIndex() const;       // -1 when the active scene is not in the list
@@ -94,7 +96,14 @@ public:
     template<class Visit> void ForEachSceneObserver(Visit visit);
     template<class Visit> void ForEachSettingsObserver(Visit visit);
 
+    // ---- script engines, which add and remove themselves ----
+    XApplication& AddScriptEngine(XScriptEngine* engine);
+    XApplication& RemoveScriptEngine(XScriptEngine* engine);
+    template<class Visit> void ForEachScriptEngine(Visit visit);
+    bool RunScriptFromFile(std::wstring const& file);  // by the first engine that can; false without one
+
     // ---- log: silent without a sink. Formats are printf-style; %s takes wide text ----
+    Qelutils::BasicLogger* Logger() const { return _logger; }  // the host's sink, or null
     XApplication& Log(Level level, std::wstring const& text);
     XApplication& Log(Level level, wchar_t const* text);
     XApplication& Log(Level level, char const* text);
@@ -147,14 +156,21 @@ private:
     XApplication& logList(Level level, wchar_t const* format, ...);
 
     // While observers are told, removing one leaves a null entry, so that positions stay; the outermost end takes them
-    // out.
+    // out of the list that it walked, and so does the next telling of another.
     template<class Observer, class Visit> void forEach(Qelutils::Vector<Observer*>& observers, Visit& visit) {
         ++_telling;
         for (std::size_t i = 0, count = observers.size(); i < count; ++i)
-            if (observers[i]) visit(*observers[i]);
+            if (i < observers.size() && observers[i]) visit(*observers[i]);
         if (--_telling == 0) std::erase(observers, nullptr);
     }
+    template<class Observer> void remove(Qelutils::Vector<Observer*>& observers, Observer* observer) {
+        if (_telling)
+            std::replace(observers.begin(), observers.end(), observer, static_cast<Observer*>(nullptr));
+        else
+            std::erase(observers, observer);
+    }
 
+    XScene& activateNeighbour(int step);
     void initAppScriptCommands();
     int Application_Command(LuaPlus::LuaState* state);
     int Application_ResetActiveCommand(LuaPlus::LuaState* state);
@@ -168,6 +184,7 @@ private:
     Qelutils::Vector<XScene*> _scenes;  // owned; index 0 is permanent
     Qelutils::Vector<XSceneObserver*> _sceneObservers;
     Qelutils::Vector<XSettingsObserver*> _settingsObservers;
+    Qelutils::Vector<XScriptEngine*> _scriptEngines;
     int _telling = 0;                // nested calls of forEach
     XScene* _activeScene = nullptr;  // one of _scenes
     XSettings* _settings = nullptr;  // owned
@@ -187,5 +204,7 @@ private:
 template<class Visit> void XApplication::ForEachSceneObserver(Visit visit) { forEach(_sceneObservers, visit); }
 
 template<class Visit> void XApplication::ForEachSettingsObserver(Visit visit) { forEach(_settingsObservers, visit); }
+
+template<class Visit> void XApplication::ForEachScriptEngine(Visit visit) { forEach(_scriptEngines, visit); }
 
 }  // namespace Tavo

@@ -13,6 +13,14 @@ public:
 };
 using XShapeDef = XTypedDef<XShape>;
 
+// The words of this type and of its base are the way round they are on purpose.
+class XPrimitive : public XTyped<XPrimitive, XShape, sg::PrimitiveNode> {
+public:
+    static constexpr XWord TypeID = L"Shape";
+    using XTyped::XTyped;
+};
+using XPrimitiveDef = XTypedDef<XPrimitive>;
+
 class XGrid : public XTyped<XGrid, XShape, sg::GridNode> {
 public:
     static constexpr XWord TypeID = L"Grid", DefaultName = L"grid";

@@ -9,11 +9,10 @@
 // Nothing here opens a change block: callers are commands and tools. Invalid sources and scenes without a duration
 // leave the object unchanged.
 #pragma once
+#include "tavo/animation/animation.h"
 #include "tavo/kinematics/render_object.h"
 
 namespace Tavo {
-
-class XTrajectory;
 
 enum XDirection { XAxis = 0, YAxis = 1, ZAxis = 2 };
 enum XAlignmentMode {  // the aligning operations know only the first two
@@ -145,8 +144,6 @@ public:
     bool SetRotationKeyframe(XAttribute& attribute);
     bool SetRotationKeyframe(XAttribute& attribute, XKeyframe& key);
     XTransform& AutoSetKeyframe();  // what the active tool changes
-    XTrajectory CreateTrajectory() const;
-    void Characterize();
 
     // The scene's origin refuses all three.
     bool supportsDeletion() const override { return !isSceneOrigin(); }
@@ -163,7 +160,26 @@ protected:
 
 private:
     bool isSceneOrigin() const;
-    XAnimation createRotationAnimation(XAttribute x, XAttribute y, XAttribute z);
+    sg::TransformInputs inputs() const;  // the defaults when the node is no transform
+    // Three channels in a row, by the first one's number: X, Y and Z.
+    XAttribute channel(int first, int axis) const { return Attribute(first + axis); }
+    XVector3 channels(int first) const;
+    XTransform& setChannels(int first, XVector3 const& value);
+    XTransform& setRotation(XVector3 const& angles, XQuaternion const& rotation);
+    XTransform& changeLocal(int mode, auto const& change);
+    XTransform& changeWorld(int mode, auto const& change);
+    bool turnAxisTo(XDirection direction, XVector3 const& target, Qelutils::Vector<XObject> const& descendants);
+    XAnimation createRotationAnimation(int first);
+    bool findCurves(int first, sg::AnimationNode* (&curves)[3]) const;
+    bool overwriteKeys(int first, XVector3 const& value, int index);
+    int rotationGroupOf(XAttribute const& attribute) const;
+    XKeyframe setQuaternionKey(int first);
+    void clearChannels(int first);
+    void initializeChannels(int first, int count, float start, float step, XVector3 const& value);
+    struct Sample {
+        XVector3 position, angles;
+    };
+    Sample sampleOf(XTransform const& source, int frame) const;
 };
 using XTransformDef = XTypedDef<XTransform>;
 

@@ -293,7 +293,8 @@ public:
     std::wstring DisplayValue() const;  // "1.50"
 
 protected:
-    XDatabase* database() const { return _database; }
+    // Null for an invalid handle: the database may be gone with what it held.
+    XDatabase* database() const { return getAttribute() ? _database : nullptr; }
 
 private:
     bool is(db::AttributeType kind) const {
@@ -315,8 +316,12 @@ private:
     XVector3 vectorAt(int index) const;
     XMatrix matrixAt(int index) const;
     XQuaternion quaternionAt(int index) const;
-    bool validateArrayIndex(int index) const;
     bool isDriven() const;
+    bool isFed(XAttribute const& source) const;
+    bool connect(XAttribute const& source, XAttribute const& target) const;
+    sg::Scene* graph() const;  // null for an invalid handle
+    float converted(float value, int direction) const;
+    double converted(double value, int direction) const;
 
     XDatabase* _database = nullptr;
     sg::AttributeHandle _attribute;
@@ -334,6 +339,9 @@ public:
     // Both act on an attribute of image kind and do nothing on any other.
     void SetWidthHeightDepth(int width, int height, int depth);
     void SetPixels(unsigned char const* data, int count);
+
+private:
+    bool isImage() const;  // a compound of a width, a height, a depth and pixels
 };
 
 class XMaterialAttribute : public XAttribute {

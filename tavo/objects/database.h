@@ -175,6 +175,11 @@ protected:
     db::Attribute* getAttribute(sg::Node* node, int index) const;
     db::Attribute* getAttribute(sg::Node* node, std::wstring const& name) const;
 
+    // What a path pattern matches. Edits work on these handles: a path that they change would find nothing any more.
+    void findMatchingObjects(std::wstring const& pattern, Qelutils::Vector<XObject>& out) const;
+    Qelutils::Vector<XObject> collect(std::vector<std::wstring> const& patterns,
+                                      bool (XObject::*accepts)() const) const;
+
     // Empties `out`; whether anything was found.
     bool findMatchingPaths(std::wstring const& pattern, std::vector<std::wstring>& out) const;
     bool findMatchingDeletableObjectPaths(std::wstring const& pattern, std::vector<std::wstring>& out) const;
@@ -188,6 +193,7 @@ protected:
     void registerDefinition(XModule* module, XObjectDef* definition);
     bool unregisterDefinition(XObjectDef* definition);
     bool unregisterModule(XModule* module);
+    void deleteDefinitions();
 
 private:
     std::multimap<XModule*, XObjectDef*> _moduleDefinitions;
@@ -202,7 +208,7 @@ private:
 };
 
 // Brackets an edit. The label is held by reference and must outlive the guard.
-class XChangeBlock {
+class [[nodiscard]] XChangeBlock {
 public:
     XChangeBlock(XDatabase& database, std::wstring const& label, bool transient = false) :
         _database(database), _label(label) {

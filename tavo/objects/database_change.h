@@ -44,9 +44,12 @@ public:
     void DeletedObjects(Qelutils::Vector<XObject>& out) const;
     void RenamedObjects(Qelutils::Vector<XObject>& out) const;
     void ReparentedObjects(Qelutils::Vector<XObject>& out) const;
+    // Of the definition's node type or a derived one; added to `out`, each object once.
     void ModifiedObjects(XObjectDef* definition, Qelutils::Vector<XObject>& out) const;
 
 private:
+    bool isChanged(db::Attribute const* attribute) const;
+
     XDatabase& _database;
     db::ChangeSet const& _changes;
 };
@@ -56,6 +59,7 @@ public:
     XSceneChange(XScene& scene, db::ChangeSet const& changes);
 
     XScene& Scene() const { return _scene; }
+    // Defined on the interaction floor.
     bool IsSelectionChange() const;
     bool IsSceneSettingsChange() const;
     bool IsToolChange() const;

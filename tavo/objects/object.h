@@ -114,7 +114,8 @@ public:
     void DescendantObjects(Qelutils::Vector<XObject>& out, std::wstring const& type, XComparisonMode mode) const;
     void DescendantObjects(Qelutils::Vector<XObject>& out, std::vector<std::wstring> const& types,
                            XComparisonMode mode) const;
-    int SiblingCount() const;  // without this object
+    // Without this object. Those that stand at the top are siblings of one another.
+    int SiblingCount() const;
     void SiblingObjects(Qelutils::Vector<XObject>& out) const;
     XObject Next() const;  // wraps around
     XObject Previous() const;
@@ -197,14 +198,16 @@ public:
     virtual void onInitialize() {}  // overrides call the base first
 
 protected:
-    XDatabase* database() const { return _database; }     // null for an invalid handle
+    // Null without a node: the database of a node that is destroyed may be gone with it.
+    XDatabase* database() const { return _node.getRef() ? _database : nullptr; }
     bool hasLiveNode() const { return _node.isAlive(); }  // not removed
     bool isNodeOfType(db::NodeDef const& def) const { return _node.isAlive() && _node.getRef()->isOfType(def); }
     XObject& setNode(db::Node* node);
-    static std::wstring ensureUniqueName(std::wstring const& name, Qelutils::Vector<XObject> const& siblings);
-    bool mustDeleteParent() const;
+    bool mustDeleteParent() const;  // the sole primitive of a transform goes with it; defined on the kinematics floor
+    void deleteWithParent();
     void reparentChildObjectsTo(XObject const& target);
 
+    bool askTyped(bool (XObject::*supports)() const) const;
     void dynamicInitialize();
     void dynamicOnDelete();
     bool dynamicSupportsChildObjects() const;
@@ -213,6 +216,7 @@ protected:
     bool dynamicSupportsReparenting() const;
 
 private:
+    friend class XAttribute;
     friend class XDatabase;
     static inline int _count = 1;
 

@@ -42,7 +42,8 @@ protected:
 private:
     XModule* _module = nullptr;
     std::vector<std::wstring> _nodeTypes;
-    mutable Qelutils::Vector<int> _nodeTypeIDs;  // made on first use
+    mutable Qelutils::Vector<int> _nodeTypeIDs;  // of the types that were known when last asked
+    mutable std::size_t _nodeTypesSeen = 0;
     std::vector<std::wstring> _objectTypes;
 };
 

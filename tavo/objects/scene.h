@@ -154,7 +154,7 @@ public:
     // ---- commands and animation ----
     XObject RunCommand(std::wstring const& name);
     XObject RunCommand(std::wstring const& name, Qelutils::Vector<XObject>& results);
-    XScene& ClearAnimation(XObject const& root);  // of the object and all below it
+    XScene& ClearAnimation(XObject const& root);  // of the object and all below it; the caller provides the block
     XScene& DisconnectAnimation(XObject const& root);
 
     // ---- tools; defined on the interaction floor ----
@@ -207,6 +207,7 @@ public:
 protected:
     XSceneObjects& objects() const { return *_objects; }
 
+    void clearSelection();
     void bindSceneObjects();
     void upgradeSceneFileVersion();
     void prepareSceneForEditing();
@@ -230,6 +231,7 @@ protected:
     void loadSelectionCache();
     void clearVisibilityCache();
     void loadVisibilityCache();
+    void updateVisibilityCache(XSceneChange const& change);
     void clearGroupCache();
     void reloadGroupCache();
     void updateGroupCache(XSceneChange const& change, bool transient);
@@ -237,9 +239,9 @@ protected:
     void updateRenderSettings();
 
 private:
-    struct UnitFactors;
-    bool unitFactors(XUnitConversionType direction, UnitFactors& out) const;  // false: nothing is to be converted
+    template<class Value> void convertUnits(int code, XUnitConversionType direction, Value& value) const;
     void startPlayback(XSceneMode mode);
+    void stepFrame(bool forward);
     void setTime(float time);  // if it differs
 
     XSceneSettings _sceneSettings;

@@ -2,16 +2,12 @@
 // the cache behind lookups by id. Nobody else needs them but who works on the graph itself.
 #pragma once
 #include "qel/sg/scene.h"
+#include "qel/sg/scene_observer.h"
 #include "tavo/app/observers.h"
 #include <array>
 #include <string>
 #include <utility>
 #include <vector>
-
-namespace sg {
-class Controller;
-class Renderer;
-}  // namespace sg
 
 namespace Tavo {
 
@@ -72,15 +68,27 @@ private:
     sg::Controller* _controller = nullptr;  // borrowed
 };
 
-class XSceneGraphObserver : public db::DatabaseObserver {
+// Brings what the graph and its controller tell to the database, each to its operation of the same name.
+class XSceneGraphObserver : public sg::SceneObserver {
 public:
     XSceneGraphObserver(XDatabase& owner, XSceneGraph& graph) : _owner(owner), _graph(graph) {}
     void Register();
     void UnRegister();
 
-    void onDatabaseChanged(db::ChangeSet const& changes, bool transient) override;
-    void onSceneChanged(db::ChangeSet const& changes, bool transient);
-    void onSceneLoaded(sg::Scene* scene);
+    wchar_t const* getObserverName() const override { return L"XSceneGraphObserver"; }
+    void onSceneChanged(db::ChangeSet const& changes, bool transient) override;
+    void onSceneLoaded(sg::Scene* scene) override;
+    void onControllerEnter(sg::Scene* scene, int viewport, int tool, bool a, bool b, bool c) override;
+    void onControllerExit(sg::Scene* scene, int viewport, int tool) override;
+    void onControllerCancel(sg::Scene* scene, int viewport, int tool) override;
+    void onControllerTranslation(sg::Scene* scene, Qelp::Vector3 const& delta) override;
+    void onControllerRotation(sg::Scene* scene, float angle, Qelp::Vector3 const& axis) override;
+    void onControllerRotation(sg::Scene* scene, Qelp::Vector3 const& eulerAngles, int order) override;
+    void onControllerScaleEnter(sg::Scene* scene) override;
+    void onControllerScale(sg::Scene* scene, Qelp::Vector3 const& scale) override;
+    void onControllerReportSelection(sg::Scene* scene, std::vector<int> const& items, std::vector<int> const& subItems,
+                                     int mode) override;
+    void onControllerReportCamera(sg::Scene* scene, int viewport) override;
 
 private:
     XDatabase& _owner;
@@ -100,13 +108,17 @@ public:
     void OnSceneChanged(XSceneChange const& change, bool transient) override;
 
 private:
-    template<class Target> struct Cache {
-        std::array<std::pair<int, Target*>, Capacity> entries;
+    // The entries are weak: what was destroyed meanwhile reads null, which counts as a miss.
+    template<class Handle> struct Cache {
+        std::array<std::pair<int, Handle>, Capacity> entries;
         int count = 0;
     };
+    template<class Handle, class Resolve, class Find>
+    static auto lookUp(Cache<Handle>& cache, int id, Resolve const& resolve, Find const& find);
+
     XDatabase& _owner;
-    Cache<sg::Node> _nodes;
-    Cache<db::Attribute> _attributes;
+    Cache<sg::NodeHandle> _nodes;
+    Cache<sg::AttributeHandle> _attributes;
 };
 
 }  // namespace Tavo

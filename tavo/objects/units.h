@@ -1,6 +1,7 @@
 // Units at the edge. Values in a database are in metres, kilograms, radians and seconds; these are the words and
 // factors of the units that a user may choose, and the codes by which values are converted.
 #pragma once
+#include "qel/sg/units.h"
 #include "tavo/app/word.h"
 
 namespace Tavo {
@@ -53,5 +54,15 @@ enum XUnitCode {
     AngularDampingUnit = 20,
     FrameRateUnit = 21,
 };
+
+// The code by which a value of an attribute with that unit is converted; 0, which converts nothing, for the rest.
+constexpr int UnitCodeOf(sg::AttributeUnit unit) {
+    if (unit >= sg::Linear && unit <= sg::Acceleration) return LengthUnit + (unit - sg::Linear);
+    if (unit >= sg::Angular && unit <= sg::Framerate) return AngleUnit + (unit - sg::Angular);
+    return 0;
+}
+static_assert(UnitCodeOf(sg::Linear) == LengthUnit && UnitCodeOf(sg::Acceleration) == AccelerationUnit);
+static_assert(UnitCodeOf(sg::Angular) == AngleUnit && UnitCodeOf(sg::Time) == FrameUnit);
+static_assert(UnitCodeOf(sg::Framerate) == FrameRateUnit && UnitCodeOf(sg::Filename) == 0);
 
 }  // namespace Tavo

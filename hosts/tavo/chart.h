@@ -1,0 +1,31 @@
+// Draws curves over time as an SVG picture: a panel per unit, one above the other, each with its axes, ticks at round
+// numbers, and a legend. It knows nothing of scenes.
+#pragma once
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct ChartCurve {
+    std::string name;                // in the legend
+    std::vector<double> x, y;        // the line, x rising
+    std::vector<double> keyX, keyY;  // marked, unless they are so dense that the marks would hide the line
+};
+
+struct ChartPanel {
+    std::string unit;  // beside the axis; may be empty
+    std::vector<ChartCurve> curves;
+};
+
+struct Chart {
+    std::string title;
+    std::vector<ChartPanel> panels;
+};
+
+// UTF-8. Any finite numbers; others leave a gap.
+std::string drawSvg(Chart const& chart);
+
+// Round numbers (1, 2 or 5 times a power of ten apart) within [from, to], about `count` of them.
+std::vector<double> ticks(double from, double to, int count);
+
+}  // namespace host

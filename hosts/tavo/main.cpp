@@ -1,0 +1,236 @@
+// The command line: verbs, options, help, and what a wrong call is told.
+#include "hosts/tavo/console.h"
+#include "hosts/tavo/verbs.h"
+#include "qel/utils/text.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <fmt/format.h>
+#include <functional>
+#include <map>
+#include <new>
+
+namespace host {
+namespace {
+
+constexpr char const* exitCodes = "Exit codes: 0 done, 1 failed, 2 wrong call, 3 bad input.\n"
+                                  "Results go to standard output, messages to standard error.";
+
+constexpr char const* overview = R"(Examples:
+  tavo import walk.bvh -o walk.tavo          a motion clip becomes a scene
+  tavo info walk.tavo                        what is in it
+  tavo sample walk.tavo --objects 'Left*' --attribute WorldTranslation
+  tavo set walk.tavo SceneSettings.FrameRate=30 -o slower.tavo
+  tavo export slower.tavo -o slower.bvh      and back
+
+FILE is a clip (BVH) or a scene, everywhere. `tavo VERB --help` tells more.)";
+
+constexpr char const* importExamples = R"(Examples:
+  tavo import walk.bvh -o walk.tavo
+  tavo import walk.bvh -o walk.tavo --units in          lengths are inches, whatever they look like
+  tavo import walk.bvh -o walk.tavo --positions add     position channels are differences from OFFSET)";
+
+constexpr char const* exportExamples = R"(Examples:
+  tavo export walk.tavo -o walk.bvh
+  tavo export walk.tavo -o walk.bvh --to-units m        in metres instead of the unit it came with)";
+
+constexpr char const* infoExamples = R"(Examples:
+  tavo info walk.tavo                                   objects, hierarchy, time, keys
+  tavo info walk.bvh                                    and of a clip also what was judged, and why
+  tavo info walk.bvh --json)";
+
+constexpr char const* sampleExamples = R"(Examples:
+  tavo sample walk.tavo --objects Hips --attribute TranslationY
+  tavo sample walk.tavo --objects 'Left*' --attribute WorldTranslation --display -o left.csv
+  tavo sample walk.tavo --attribute WorldMatrix --from 0.5 --to 1 --step 0.1 --json
+
+Transforms also have WorldTranslation (x, y, z) and WorldRotation (x, y, z, w).)";
+
+constexpr char const* playExamples = R"(Examples:
+  tavo play walk.tavo                                   once through, at its own pace
+  tavo play walk.tavo --seconds 10                      over and over, for ten seconds
+  tavo play walk.tavo --as-fast-as-possible --json)";
+
+constexpr char const* setExamples = R"(Examples:
+  tavo set walk.tavo SceneSettings.FrameRate=30 -o slower.tavo
+  tavo set walk.tavo 'Left*.BoneRadius=0.02' Hips.Visible=false -o marked.tavo
+  tavo set walk.tavo Head.PreRotationY=20 --display -o turned.tavo    degrees, as the scene shows angles)";
+
+constexpr char const* plotExamples = R"(Examples:
+  tavo plot walk.tavo Hips.TranslationX Hips.TranslationY -o hips.svg
+  tavo plot walk.bvh '*Leg.RotationX' -o legs.svg)";
+
+// Help begins with what the verb is for and examples; the rest follows.
+class Help : public CLI::Formatter {
+public:
+    Help() { column_width(34); }
+    std::map<std::string, std::string> examples;
+
+    std::string make_description(CLI::App const* app) const override {
+        auto const found = examples.find(app->get_name());
+        return app->get_description() + "\n\n" + (found == examples.end() ? "" : found->second + "\n\n");
+    }
+    std::string make_subcommands(CLI::App const* app, CLI::AppFormatMode mode) const override {
+        std::string const text = CLI::Formatter::make_subcommands(app, mode);
+        std::string const head = "Subcommands:";
+        std::size_t const at = text.find(head);
+        return at == std::string::npos ? text : text.substr(0, at) + "Verbs:" + text.substr(at + head.size());
+    }
+    std::string make_subcommand(CLI::App const* verb) const override {
+        return fmt::format("  {:<12}{}\n", verb->get_name(), verb->get_description());
+    }
+};
+
+class CommandLine {
+public:
+    CommandLine() {
+        app_.name("tavo");
+        app_.formatter(help_);
+        app_.footer(exitCodes);
+        app_.require_subcommand(1);
+        app_.set_version_flag("--version", "tavo " TAVO_VERSION);
+        app_.get_formatter()->label("SUBCOMMAND", "VERB");
+        help_->examples["tavo"] = overview;
+        addImport();
+        addExport();
+        addInfo();
+        addSample();
+        addPlay();
+        addSet();
+        addPlot();
+    }
+
+    ExitCode run(int count, char** arguments) {
+        try {
+            checkVerb(count, arguments);
+            app_.parse(count, arguments);
+            chosen_();
+            return ExitCode::done;
+        } catch (CLI::ParseError const& error) { return tell(error); } catch (Failure const& failure) {
+            printError(failure.message);
+            return failure.code;
+        } catch (std::bad_alloc const&) {
+            printError("there is not enough memory");
+        } catch (std::exception const& error) { printError(error.what()); }
+        return ExitCode::failed;
+    }
+
+private:
+    template<class Verb> CLI::App& add(Verb& verb, char const* name, char const* what, char const* examples) {
+        CLI::App& app = *app_.add_subcommand(name, what);
+        help_->examples[name] = examples;
+        app.footer(exitCodes);
+        app.add_option("FILE", verb.input.file, "a motion clip or a scene")->required()->type_name("");
+        app.add_option("--units", verb.input.units, "of a clip's lengths: mm, cm, m, in, ft, yd, or auto to guess")
+            ->type_name("UNIT");
+        app.add_option("--positions", verb.input.positions,
+                       "of a clip: its position channels replace OFFSET, add to it, or auto to judge")
+            ->type_name("MODE");
+        app.final_callback([this, &verb] { chosen_ = [&verb] { host::run(verb); }; });
+        return app;
+    }
+    template<class Verb> static void addOutput(CLI::App& app, Verb& verb, char const* what) {
+        app.add_option("-o,--output", verb.output, what)->required()->type_name("OUT");
+    }
+
+    void addImport() {
+        addOutput(add(import_, "import", "Make a scene of a motion clip.", importExamples), import_,
+                  "the scene to write");
+    }
+    void addExport() {
+        CLI::App& app = add(export_, "export", "Write a scene's joints as a motion clip.", exportExamples);
+        addOutput(app, export_, "the clip to write");
+        app.add_option("--to-units", export_.outputUnits, "of the clip to write (those it came with, or cm)")
+            ->type_name("UNIT");
+    }
+    void addInfo() {
+        CLI::App& app = add(info_, "info", "Tell what a file holds.", infoExamples);
+        app.add_flag("--json", info_.json, "for machines");
+    }
+    void addSample() {
+        SampleVerb& verb = sample_;
+        CLI::App& app = add(verb, "sample", "Evaluate an attribute at moments of time.", sampleExamples);
+        app.add_option("--objects", verb.objects, "which: a name or path with * and ? (all)")->type_name("PATTERN");
+        app.add_option("--attribute", verb.attribute, "which; objects without it are passed over")
+            ->required()
+            ->type_name("NAME");
+        app.add_option("--from", verb.from, "the first moment, in seconds (the scene's start)")->type_name("TIME");
+        app.add_option("--to", verb.to, "the last (the scene's end)")->type_name("TIME");
+        app.add_option("--step", verb.step, "from one to the next (a frame)")->type_name("TIME");
+        app.add_flag("--display", verb.display, "in the scene's display units, not metres and radians");
+        CLI::Option* csv = app.add_flag("--csv", verb.csv, "a table (the default)");
+        app.add_flag("--json", verb.json, "for machines")->excludes(csv);
+        app.add_option("-o,--output", verb.output, "a file instead of standard output")->type_name("OUT");
+    }
+    void addPlay() {
+        CLI::App& app = add(play_, "play", "Play a file and tell how fast that went.", playExamples);
+        app.add_option("--seconds", play_.seconds, "how long (once through)")->type_name("TIME");
+        app.add_flag("--as-fast-as-possible", play_.fast, "frame after frame, by a clock of its own");
+        app.add_flag("--json", play_.json, "for machines");
+    }
+    void addSet() {
+        CLI::App& app = add(set_, "set", "Give attributes new values.", setExamples);
+        app.add_option("ASSIGNMENT", set_.assignments, "OBJECT.ATTRIBUTE=VALUE; OBJECT may be a pattern")
+            ->required()
+            ->type_name("...");
+        app.add_flag("--display", set_.display, "values are in the scene's display units, not metres and radians");
+        addOutput(app, set_, "the scene to write, or a clip if it ends in .bvh");
+    }
+    void addPlot() {
+        CLI::App& app = add(plot_, "plot", "Draw attributes over time.", plotExamples);
+        app.add_option("ATTRIBUTE", plot_.attributes, "OBJECT.ATTRIBUTE; OBJECT may be a pattern")
+            ->required()
+            ->type_name("...");
+        addOutput(app, plot_, "the SVG picture to write");
+    }
+
+    // An unknown verb would be told of as an unexpected argument, which helps nobody.
+    void checkVerb(int count, char** arguments) {
+        if (count < 2) throw wrongCall("which verb? `tavo --help` lists them");
+        std::string const verb = arguments[1];
+        if (verb.empty() || verb[0] == '-') return;
+        std::vector<std::wstring> names;
+        for (CLI::App const* known : app_.get_subcommands({})) names.push_back(Qelutils::fromUtf8(known->get_name()));
+        if (std::find(names.begin(), names.end(), Qelutils::fromUtf8(verb)) == names.end())
+            throw wrongCall(fmt::format("there is no verb \"{}\"", verb), verb, names);
+    }
+    ExitCode tell(CLI::ParseError const& error) {
+        if (error.get_exit_code() == 0) {
+            app_.exit(error);
+            return ExitCode::done;
+        }
+        std::vector<CLI::App*> const verbs = app_.get_subcommands();
+        CLI::App const& verb = verbs.empty() ? app_ : *verbs.front();
+        std::vector<std::string> const extra = app_.remaining(true);
+        auto const option = std::find_if(extra.begin(), extra.end(), [](std::string const& a) { return a[0] == '-'; });
+        if (option != extra.end())
+            printError(wrongCall(fmt::format("there is no option {}", *option), *option, optionNames(verb)).message);
+        else
+            printError(error.what());
+        return ExitCode::wrongCall;
+    }
+    static std::vector<std::wstring> optionNames(CLI::App const& verb) {
+        std::vector<std::wstring> names;
+        for (CLI::Option const* option : verb.get_options())
+            for (std::string const& name : option->get_lnames()) names.push_back(L"--" + Qelutils::fromUtf8(name));
+        return names;
+    }
+
+    CLI::App app_{"Tavo at the command line: motion clips and scenes."};
+    std::shared_ptr<Help> help_ = std::make_shared<Help>();
+    std::function<void()> chosen_;
+    ImportVerb import_;
+    ExportVerb export_;
+    InfoVerb info_;
+    SampleVerb sample_;
+    PlayVerb play_;
+    SetVerb set_;
+    PlotVerb plot_;
+};
+
+}  // namespace
+}  // namespace host
+
+int main(int count, char** arguments) { return int(host::CommandLine().run(count, arguments)); }

@@ -1,0 +1,65 @@
+// The verbs of the host: what the command line fills in, and what runs. Each stands in a file of its own. They throw a
+// Failure when they cannot do what is asked; a file named in `output` appears whole or is left as it was.
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// What every verb that reads a file takes. A scene needs no answers; of a clip they are judged unless given.
+struct Input {
+    std::string file;
+    std::string units = "auto";      // mm, cm, m, in, ft, yd
+    std::string positions = "auto";  // replace, add
+};
+
+struct ImportVerb {
+    Input input;
+    std::string output;
+};
+struct ExportVerb {
+    Input input;
+    std::string output;
+    std::string outputUnits;  // empty: those of the clip that was imported, or cm
+};
+struct InfoVerb {
+    Input input;
+    bool json = false;
+};
+struct SampleVerb {
+    Input input;
+    std::string objects = "*";
+    std::string attribute;
+    std::optional<double> from, to, step;  // seconds; none: the scene's time range and its frame time
+    bool display = false;                  // in the scene's display units
+    bool csv = false, json = false;
+    std::string output;  // empty: standard output
+};
+struct PlayVerb {
+    Input input;
+    std::optional<double> seconds;  // none: once through the playback range
+    bool fast = false;
+    bool json = false;
+};
+struct SetVerb {
+    Input input;
+    std::vector<std::string> assignments;  // OBJECT.ATTRIBUTE=VALUE
+    bool display = false;
+    std::string output;
+};
+struct PlotVerb {
+    Input input;
+    std::vector<std::string> attributes;  // OBJECT.ATTRIBUTE
+    std::string output;
+};
+
+void run(ImportVerb const& verb);
+void run(ExportVerb const& verb);
+void run(InfoVerb const& verb);
+void run(SampleVerb const& verb);
+void run(PlayVerb const& verb);
+void run(SetVerb const& verb);
+void run(PlotVerb const& verb);
+
+}  // namespace host

@@ -1,0 +1,76 @@
+#include "tavo/animation/animation_layers.h"
+
+namespace Tavo {
+
+int XAnimationLayers::LayerCount() const { return Layers().ArraySize(); }
+
+std::wstring XAnimationLayers::LayerLabel(int layer) const { return field(layer, Label).String(); }
+
+float XAnimationLayers::LayerWeight(int layer) const { return field(layer, Weight).Float(); }
+
+XColour XAnimationLayers::LayerColour(int layer) const {
+    XAttribute const colour = field(layer, Colour);
+    auto part = [&](int i) { return colour.Attribute(i).Float(); };
+    return {part(0), part(1), part(2), part(3)};
+}
+
+bool XAnimationLayers::IsVisibleLayer(int layer) const { return field(layer, Visible).Boolean(); }
+
+bool XAnimationLayers::IsOverrideLayer(int layer) const { return field(layer, Override).Boolean(); }
+
+XAnimationLayers& XAnimationLayers::SetLayerLabel(int layer, std::wstring const& label) {
+    field(layer, Label).SetString(label);
+    return *this;
+}
+
+XAnimationLayers& XAnimationLayers::SetLayerWeight(int layer, float const& weight) {
+    field(layer, Weight).SetFloat(weight);
+    return *this;
+}
+
+XAnimationLayers& XAnimationLayers::SetLayerColour(int layer, XColour const& colour) {
+    return SetLayerColour(layer, colour.Red(), colour.Green(), colour.Blue(), colour.Alpha());
+}
+
+XAnimationLayers& XAnimationLayers::SetLayerColour(int layer, float red, float green, float blue, float alpha) {
+    XAttribute const colour = field(layer, Colour);
+    float const parts[] = {red, green, blue, alpha};
+    for (int i = 0; i < 4; ++i) colour.Attribute(i).SetFloat(parts[i]);
+    return *this;
+}
+
+XAnimationLayers& XAnimationLayers::SetIsVisibleLayer(int layer, bool visible) {
+    field(layer, Visible).SetBoolean(visible);
+    return *this;
+}
+
+XAnimationLayers& XAnimationLayers::SetIsOverrideLayer(int layer, bool isOverride) {
+    field(layer, Override).SetBoolean(isOverride);
+    return *this;
+}
+
+XAnimationLayers& XAnimationLayers::AddLayer() {
+    if (IsValid()) appendLayer(LayerLabelPrefix + std::to_wstring(LayerCount() + 1), false);
+    return *this;
+}
+
+XAnimationLayers& XAnimationLayers::ClearLayers() {
+    if (!IsValid()) return *this;
+    Layers().Clear();
+    appendLayer(BaseLayerLabel, true);
+    return *this;
+}
+
+void XAnimationLayers::onInitialize() {
+    XTyped::onInitialize();
+    ClearLayers();
+}
+
+void XAnimationLayers::appendLayer(std::wstring const& label, bool isOverride) {
+    Layers().AddAttribute();
+    int const layer = LayerCount() - 1;
+    SetLayerLabel(layer, label).SetLayerWeight(layer, 1).SetLayerColour(layer, 1, 1, 1, 1);
+    SetIsVisibleLayer(layer, true).SetIsOverrideLayer(layer, isOverride);
+}
+
+}  // namespace Tavo

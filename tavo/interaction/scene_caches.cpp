@@ -1,0 +1,164 @@
+// What a scene answers about its objects, from sets that are made anew when a group or the selection changes: the
+// renderer asks for each node of each frame.
+#include "tavo/interaction/scene_objects.h"
+#include "tavo/objects/database_change.h"
+
+namespace Tavo {
+namespace {
+
+// What a group and all above it allow; the root folder itself has no say.
+struct GroupState {
+    bool visible = true, editable = true, selectable = true;
+};
+
+// Calls visit(group, state) for each plain group below `folder`. References may form a circle in a broken file: each
+// group is entered once.
+template<class Visit>
+void forEachPlainGroup(XObjectGroup const& folder, GroupState const& above, XScene::ObjectIDs& entered,
+                       Visit const& visit) {
+    Qelutils::Vector<XObject> children;
+    folder.ChildGroupReferenceArray().ObjectRefs(children);
+    for (XObject const& child : children) {
+        XObjectGroup const group(child);
+        if (!group.IsValid() || group.IsSeparator() || !entered.insert(group.ObjectID()).second) continue;
+        GroupState const state = {above.visible && group.IsVisible().Boolean(),
+                                  above.editable && group.IsEditable().Boolean(),
+                                  above.selectable && group.IsSelectable().Boolean()};
+        if (group.IsFolder())
+            forEachPlainGroup(group, state, entered, visit);
+        else
+            visit(group, state);
+    }
+}
+
+template<class Visit> void forEachPlainGroup(XObjectGroup const& root, Visit const& visit) {
+    XScene::ObjectIDs entered = {root.ObjectID()};
+    forEachPlainGroup(root, GroupState(), entered, visit);
+}
+
+void addMembers(XObjectGroup const& group, XScene::ObjectIDs& set) {
+    Qelutils::Vector<XObject> members;
+    group.ObjectReferenceArray().ObjectRefs(members);
+    for (XObject const& member : members)
+        if (member.IsValid()) set.insert(member.ObjectID());
+}
+
+bool hasMember(XObjectGroup const& group, XObject const& object) {
+    Qelutils::Vector<XObject> members;
+    group.ObjectReferenceArray().ObjectRefs(members);
+    return std::find(members.begin(), members.end(), object) != members.end();
+}
+
+}  // namespace
+
+XScene::ObjectIDs const& XScene::ObjectSet(int groupMode) const {
+    static ObjectIDs const none;
+    auto const& sets = objects().groupSets;
+    return groupMode >= 0 && groupMode < int(sets.size()) ? sets[std::size_t(groupMode)] : none;
+}
+
+// ---- queries ----
+
+bool XScene::queryIsVisible(XObject const& object) const {
+    return !ObjectSet(NotVisibleGroup).contains(object.ObjectID());
+}
+
+bool XScene::queryIsSelectable(XObject const& object) const {
+    return !ObjectSet(NotSelectableGroup).contains(object.ObjectID());
+}
+
+// Time, units and views stay editable in the read-only mode.
+bool XScene::queryIsEditable(XObject const& object) const {
+    if (_mode == ReadOnlyMode && object != _sceneSettings && object != objects().viewportSettings) return false;
+    return !ObjectSet(NotEditableGroup).contains(object.ObjectID());
+}
+
+bool XScene::queryIsSelected(XObject const& object) const { return objects().selection.IsSelected(object); }
+
+bool XScene::queryIsCopyable(XObject const&) const { return true; }
+
+// The object's controller would know; no type has one.
+bool XScene::querySupportsEditMode(XObject const&, int) const { return false; }
+
+void XScene::queryDisplayGroup(XObject const& object, XDisplayGroup& out) const {
+    out = XDisplayGroup::Undefined;
+    forEachPlainGroup(objects().displayGroups, [&](XObjectGroup const& group, GroupState const&) {
+        if (!out.IsValid() && hasMember(group, object)) out = XDisplayGroup(group);
+    });
+}
+
+void XScene::querySelectionGroups(XObject const& object, Qelutils::Vector<XSelectionGroup>& out) const {
+    out.clear();
+    forEachPlainGroup(objects().selectionGroups, [&](XObjectGroup const& group, GroupState const&) {
+        if (hasMember(group, object)) out.push_back(XSelectionGroup(group));
+    });
+}
+
+XDisplayGroup XSceneObject::DisplayGroup() const {
+    XDisplayGroup group;
+    Scene().queryDisplayGroup(*this, group);
+    return group;
+}
+
+Qelutils::Vector<XSelectionGroup>& XSceneObject::SelectionGroups(Qelutils::Vector<XSelectionGroup>& out) const {
+    Scene().querySelectionGroups(*this, out);
+    return out;
+}
+
+// ---- the sets ----
+
+void XScene::clearSelectionCache() {
+    objects().selected.clear();
+    objects().descendantsOfSelected.clear();
+}
+
+void XScene::loadSelectionCache() {
+    Qelutils::Vector<XObject> selected, below;
+    for (XObject const& object : Selection().Objects(selected)) {
+        objects().selected.insert(object.ObjectID());
+        object.DescendantObjects(below);
+        for (XObject const& descendant : below)
+            if (XSceneObject(descendant).IsValid()) objects().descendantsOfSelected.insert(descendant.ObjectID());
+    }
+}
+
+void XScene::clearGroupCache() {
+    for (ObjectIDs& set : objects().groupSets) set.clear();
+}
+
+void XScene::reloadGroupCache() {
+    clearGroupCache();
+    auto& sets = objects().groupSets;
+    forEachPlainGroup(objects().displayGroups, [&](XObjectGroup const& group, GroupState const& state) {
+        if (!state.visible) addMembers(group, sets[NotVisibleGroup]);
+        if (!state.editable) addMembers(group, sets[NotEditableGroup]);
+        if (!state.selectable) addMembers(group, sets[NotSelectableGroup]);
+    });
+    auto const hide = [&](XObjectGroup const& group, GroupState const& state) {
+        if (!state.visible) addMembers(group, sets[NotVisibleGroup]);
+    };
+    forEachPlainGroup(objects().selectionGroups, hide);
+    forEachPlainGroup(objects().collisionGroups, hide);
+    CommitTransient();
+    Redraw();
+}
+
+void XScene::updateGroupCache(XSceneChange const& change, bool) {
+    if (change.IsTypeChanged(&XDisplayGroup::Definition()) || change.IsTypeChanged(&XSelectionGroup::Definition()) ||
+        change.IsTypeChanged(&XCollisionGroup::Definition()))
+        reloadGroupCache();
+}
+
+void XScene::updateVisibilityCache(XSceneChange const& change) {
+    if (!change.IsTypeChanged(&XViewportSettings::Definition())) return;
+    clearVisibilityCache();
+    loadVisibilityCache();
+}
+
+// Only views and the renderer need what follows; headless there is nothing to keep.
+void XScene::clearVisibilityCache() {}
+void XScene::loadVisibilityCache() {}
+void XScene::updateObjectColourCache(XSceneChange const&, bool) {}
+void XScene::updateRenderSettings() {}
+
+}  // namespace Tavo
