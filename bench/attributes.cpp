@@ -1,5 +1,6 @@
 // What the handles cost: reads and writes through XAttribute against the attribute itself, making like-named objects,
-// and lookups. The counters are ratios: growth, and the price over direct access.
+// and lookups. Read the pairs against each other: a read through a handle stays below five direct ones; and the sizes:
+// the time per object must not grow.
 #include "tavo/tavo.h"
 #include <benchmark/benchmark.h>
 
