@@ -46,8 +46,8 @@ bool XApplication::RunScriptFromFile(std::wstring const& file) {
     return done;
 }
 
-void XApplication::RunStartupScripts(std::wstring const& directory) {
-    RunScriptFromFile(directory + InitializationScriptName);
+void XApplication::RunStartupScripts(std::wstring const& directory) const {
+    Instance().RunScriptFromFile(directory + InitializationScriptName);
 }
 
 void XApplication::NotifyOnIdle() {

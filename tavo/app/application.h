@@ -52,7 +52,7 @@ public:
     void Startup(LuaPlus::LuaStateOwner* state, Qelutils::BasicLogger* logger, wchar_t const* executableDir);
     void Shutdown();  // deletes this object
     // Runs InitializationScriptName of `directory`, which ends in a separator.
-    void RunStartupScripts(std::wstring const& directory);
+    void RunStartupScripts(std::wstring const& directory) const;
     void SetFrame(qellua::LuaFrame* frame, wxString name);  // borrowed
     void UpdateFrame();
     void UpdateDisplay();

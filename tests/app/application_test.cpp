@@ -78,7 +78,7 @@ TEST_F(Application, ASwitchOfSceneClearsTheSelectionThatIsLeftAndReadsAsALoad) {
     selectSomething();
     XScene& left = scene();
     Recorder recorder;
-    EXPECT_EQ(&application().SetActiveScene(0), &scene());
+    EXPECT_EQ(&application().SetActiveScene(0), &application().GetScene(0));
     EXPECT_EQ(recorder.take(), Events{"Loaded 0"});
     EXPECT_EQ(left.Selection().Count(), 0);
     EXPECT_EQ(application().ActiveSceneIndex(), 0);
