@@ -15,6 +15,7 @@ void Scene::onAdopted(db::Database& other) {
     auto const& o = static_cast<Scene const&>(other);
     structure_ = std::max(structure_, o.structure_) + 1;
     mark_ = std::max(mark_, o.mark_);
+    forgetLog();
 }
 
 sg::Node* Scene::makeNode(std::wstring const& type, std::wstring const& name, std::wstring const& nameSpace) {
