@@ -1,7 +1,8 @@
-// clang-format off: each row of a table is a line
+// clang-format off
 // The tables of all node types: number, name, kind, default, unit, what depends on it. The numbers are a contract with
 // everything that reaches attributes by number; gaps are filled by reserved attributes. One file, in the order of
 // derivation, because a type is made from its base.
+// Not formatted: each row of a table is a line.
 #include "qel/sg/scene.h"
 
 namespace sg {
@@ -52,24 +53,16 @@ constexpr Rows matrixElement = {matrix(0, L"Matrix")};
 constexpr Rows matrixArrayElement = {array(0, L"Pose", T::MatrixArray)};
 constexpr Rows stringArrayElement = {array(0, L"Types", T::StringArray)};
 
-constexpr db::AttributeDef length(int n, wchar_t const* name, double initial = 0) {
-    return real(n, name, initial).unit(Linear).with(FlagAnimatable);
-}
-constexpr db::AttributeDef angle(int n, wchar_t const* name, double initial = 0) {
-    return real(n, name, initial).unit(Angular).with(FlagAnimatable);
-}
-constexpr db::AttributeDef channel(int n, wchar_t const* name, double initial = 0) {
-    return real(n, name, initial).with(FlagAnimatable);
-}
+constexpr db::AttributeDef length(int n, wchar_t const* name, double initial = 0) { return real(n, name, initial).unit(Linear).with(FlagAnimatable); }
+constexpr db::AttributeDef angle(int n, wchar_t const* name, double initial = 0) { return real(n, name, initial).unit(Angular).with(FlagAnimatable); }
+constexpr db::AttributeDef channel(int n, wchar_t const* name, double initial = 0) { return real(n, name, initial).with(FlagAnimatable); }
 constexpr db::AttributeDef floats(int n, wchar_t const* name) { return array(n, name, T::FloatArray); }
 
 // ---- the root and the hierarchy ----
 
 constexpr Rows nodeRows = {
     text(0, L"Name").doc(L"The object's name, unique among its siblings."),
-    boolean(1, L"AllowCompute", true)
-        .with(FlagInternal)
-        .doc(L"False while a rig is rebuilt: the node does not compute."),
+    boolean(1, L"AllowCompute", true).with(FlagInternal).doc(L"False while a rig is rebuilt: the node does not compute."),
     // 2 to 7 are kept free for what all nodes may come to share: most types begin at 8
 };
 static_assert(isSound(nodeRows, 0));
@@ -81,15 +74,10 @@ constexpr Rows renderableRows = {
 };
 static_assert(isSound(renderableRows, 8));
 
-constexpr std::uint32_t local = TransformBaseNode::localBit, world = TransformBaseNode::worldBit,
-                        rest = TransformBaseNode::preparedBit;
+constexpr std::uint32_t local = TransformBaseNode::localBit, world = TransformBaseNode::worldBit, rest = TransformBaseNode::preparedBit;
 constexpr Rows transformBaseRows = {
     boolean(16, L"Prepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(2).affects(local | world),
-    matrix(17, L"ParentWorldMatrix")
-        .with(FlagReadOnly | FlagUnsaved)
-        .affects(world)
-        .hot()
-        .doc(L"World matrix of the parent."),
+    matrix(17, L"ParentWorldMatrix").with(FlagReadOnly | FlagUnsaved).affects(world).hot().doc(L"World matrix of the parent."),
     matrix(18, L"LocalMatrix").output(0).affects(world).hot().doc(L"The transform relative to the parent."),
     matrix(19, L"WorldMatrix").output(1).hot().doc(L"Local matrix times the parent's world matrix."),
 };
@@ -98,80 +86,43 @@ static_assert(isSound(transformBaseRows, 11));
 constexpr std::uint32_t moved = local | world, changed = rest | moved;
 constexpr Rows quaternionRows = {channel(0, L"X"), channel(1, L"Y"), channel(2, L"Z"), channel(3, L"W", 1)};
 constexpr Rows transformRows = {
-    enumeration(20, L"TransformDataSource", dataSources)
-        .affects(changed)
-        .doc(L"Where the rotation, or the whole matrix, comes from."),
-    length(21, L"TranslationX").affects(moved).hot(),
-    length(22, L"TranslationY").affects(moved).hot(),
-    length(23, L"TranslationZ").affects(moved).hot(),
-    angle(24, L"RotationX").affects(moved).hot(),
-    angle(25, L"RotationY").affects(moved).hot(),
-    angle(26, L"RotationZ").affects(moved).hot(),
-    channel(27, L"ScaleX", 1).affects(changed),
-    channel(28, L"ScaleY", 1).affects(changed),
-    channel(29, L"ScaleZ", 1).affects(changed),
-    length(30, L"ScalePivotX").affects(changed),
-    length(31, L"ScalePivotY").affects(changed),
-    length(32, L"ScalePivotZ").affects(changed),
-    length(33, L"ScalePivotTranslationX").affects(changed),
-    length(34, L"ScalePivotTranslationY").affects(changed),
+    enumeration(20, L"TransformDataSource", dataSources).affects(changed).doc(L"Where the rotation, or the whole matrix, comes from."),
+    length(21, L"TranslationX").affects(moved).hot(), length(22, L"TranslationY").affects(moved).hot(), length(23, L"TranslationZ").affects(moved).hot(),
+    angle(24, L"RotationX").affects(moved).hot(), angle(25, L"RotationY").affects(moved).hot(), angle(26, L"RotationZ").affects(moved).hot(),
+    channel(27, L"ScaleX", 1).affects(changed), channel(28, L"ScaleY", 1).affects(changed), channel(29, L"ScaleZ", 1).affects(changed),
+    length(30, L"ScalePivotX").affects(changed), length(31, L"ScalePivotY").affects(changed), length(32, L"ScalePivotZ").affects(changed),
+    length(33, L"ScalePivotTranslationX").affects(changed), length(34, L"ScalePivotTranslationY").affects(changed),
     length(35, L"ScalePivotTranslationZ").affects(changed),
-    length(36, L"PreTranslationX").affects(changed),
-    length(37, L"PreTranslationY").affects(changed),
-    length(38, L"PreTranslationZ").affects(changed),
-    angle(39, L"PreRotationX").affects(changed),
-    angle(40, L"PreRotationY").affects(changed),
-    angle(41, L"PreRotationZ").affects(changed),
-    angle(42, L"PostRotationX").affects(changed),
-    angle(43, L"PostRotationY").affects(changed),
-    angle(44, L"PostRotationZ").affects(changed),
+    length(36, L"PreTranslationX").affects(changed), length(37, L"PreTranslationY").affects(changed), length(38, L"PreTranslationZ").affects(changed),
+    angle(39, L"PreRotationX").affects(changed), angle(40, L"PreRotationY").affects(changed), angle(41, L"PreRotationZ").affects(changed),
+    angle(42, L"PostRotationX").affects(changed), angle(43, L"PostRotationY").affects(changed), angle(44, L"PostRotationZ").affects(changed),
     compound(45, L"RotationQuaternion", quaternionRows).affects(changed),
-    enumeration(46, L"RotationInterpolation", rotationInterpolations)
-        .doc(L"How rotation is keyed: as a whole, or each angle."),
+    enumeration(46, L"RotationInterpolation", rotationInterpolations).doc(L"How rotation is keyed: as a whole, or each angle."),
     enumeration(47, L"RotationEulerOrder", eulerOrders).affects(changed),
     matrix(48, L"LocalMatrixInput").affects(changed).doc(L"The local matrix when the data source is the matrix."),
-    boolean(49, L"ShowTrajectory"),
-    boolean(50, L"ShowAxis"),
+    boolean(49, L"ShowTrajectory"), boolean(50, L"ShowAxis"),
 };
 static_assert(isSound(transformRows, 20));
 
 // ---- skeleton ----
 
 constexpr Rows jointRows = {
-    length(51, L"BoneRadius", 0.008),
-    length(52, L"LocatorRadius", 0.015),
-    enumeration(53, L"BoneStyle", boneStyles),
-    enumeration(54, L"LocatorStyle", locatorStyles, 2),
-    enumeration(55, L"AxesStyle", axesStyles),
+    length(51, L"BoneRadius", 0.008), length(52, L"LocatorRadius", 0.015),
+    enumeration(53, L"BoneStyle", boneStyles), enumeration(54, L"LocatorStyle", locatorStyles, 2), enumeration(55, L"AxesStyle", axesStyles),
     text(56, L"Tags").doc(L"Free words; importers keep the name that the source file had here."),
     pointer(57, L"JointLimitReference"),
 };
 static_assert(isSound(jointRows, 51));
 
 constexpr Rows jointLimitRows = {
-    pointer(51, L"JointReference"),
-    matrix(52, L"JointWorldMatrix"),
-    matrix(53, L"JointLocalMatrix"),
-    angle(54, L"MovingOffsetX"),
-    angle(55, L"MovingOffsetY"),
-    angle(56, L"MovingOffsetZ"),
-    matrix(57, L"MovingOffsetMatrix"),
+    pointer(51, L"JointReference"), matrix(52, L"JointWorldMatrix"), matrix(53, L"JointLocalMatrix"),
+    angle(54, L"MovingOffsetX"), angle(55, L"MovingOffsetY"), angle(56, L"MovingOffsetZ"), matrix(57, L"MovingOffsetMatrix"),
     enumeration(58, L"LimitType", limitTypes),
-    boolean(59, L"Swing1Active", true),
-    angle(60, L"Swing1Angle", 0.7853982),
-    boolean(61, L"Swing2Active", true),
-    angle(62, L"Swing2Angle", 0.7853982),
-    boolean(63, L"TwistActive", true),
-    angle(64, L"TwistAngle", 1.5707964),
-    angle(65, L"TwistOffset"),
-    boolean(66, L"SoftSwingActive"),
-    channel(67, L"SoftSwing1Ratio", 0.7),
-    channel(68, L"SoftSwing2Ratio", 0.7),
-    boolean(69, L"SoftTwistActive"),
-    channel(70, L"SoftTwistRatio", 0.7),
-    channel(71, L"DisplayScale", 1),
-    boolean(72, L"ShowFixedAxes"),
-    boolean(73, L"ShowMovingAxes"),
+    boolean(59, L"Swing1Active", true), angle(60, L"Swing1Angle", 0.7853982), boolean(61, L"Swing2Active", true), angle(62, L"Swing2Angle", 0.7853982),
+    boolean(63, L"TwistActive", true), angle(64, L"TwistAngle", 1.5707964), angle(65, L"TwistOffset"),
+    boolean(66, L"SoftSwingActive"), channel(67, L"SoftSwing1Ratio", 0.7), channel(68, L"SoftSwing2Ratio", 0.7),
+    boolean(69, L"SoftTwistActive"), channel(70, L"SoftTwistRatio", 0.7),
+    channel(71, L"DisplayScale", 1), boolean(72, L"ShowFixedAxes"), boolean(73, L"ShowMovingAxes"),
 };
 static_assert(isSound(jointLimitRows, 51));
 
@@ -180,117 +131,55 @@ constexpr Rows characterRows = {boolean(51, L"IsEditable")};
 // ---- solvers ----
 
 constexpr Rows solverParameterRows = {
-    enumeration(0, L"Mode", ikHandleModes), real(1, L"PositionWeight", 1),
-    real(2, L"OrientationWeight", 1),       integer(3, L"Depth"),
+    enumeration(0, L"Mode", ikHandleModes), real(1, L"PositionWeight", 1), real(2, L"OrientationWeight", 1), integer(3, L"Depth"),
     boolean(4, L"Enabled", true),
 };
 constexpr Rows solverParameterElement = {compound(0, L"Parameters", solverParameterRows)};
 constexpr Rows jointIKParameterRows = {
-    boolean(0, L"Active", true),
-    real(1, L"Stiffness"),
-    real(2, L"RotationWeightX", 1),
-    real(3, L"RotationWeightY", 1),
-    real(4, L"RotationWeightZ", 1),
-    boolean(5, L"LimitActive"),
-    boolean(6, L"PoleVectorActive"),
-    matrix(7, L"ControlPole"),
-    matrix(8, L"ReferencePole"),
-    enumeration(9, L"LimitType", limitTypes),
-    matrix(10, L"LimitMatrix"),
-    matrix(11, L"MovingOffsetMatrix"),
-    boolean(12, L"Swing1Active"),
-    real(13, L"Swing1Angle").unit(Angular),
-    boolean(14, L"Swing2Active"),
-    real(15, L"Swing2Angle").unit(Angular),
-    boolean(16, L"TwistActive"),
-    real(17, L"TwistAngle").unit(Angular),
-    real(18, L"TwistOffset").unit(Angular),
+    boolean(0, L"Active", true), real(1, L"Stiffness"), real(2, L"RotationWeightX", 1), real(3, L"RotationWeightY", 1), real(4, L"RotationWeightZ", 1),
+    boolean(5, L"LimitActive"), boolean(6, L"PoleVectorActive"), matrix(7, L"ControlPole"), matrix(8, L"ReferencePole"),
+    enumeration(9, L"LimitType", limitTypes), matrix(10, L"LimitMatrix"), matrix(11, L"MovingOffsetMatrix"),
+    boolean(12, L"Swing1Active"), real(13, L"Swing1Angle").unit(Angular), boolean(14, L"Swing2Active"), real(15, L"Swing2Angle").unit(Angular),
+    boolean(16, L"TwistActive"), real(17, L"TwistAngle").unit(Angular), real(18, L"TwistOffset").unit(Angular),
 };
 constexpr Rows jointIKParameterElement = {compound(0, L"Parameters", jointIKParameterRows)};
 constexpr Rows ikSolverRows = {
-    array(8, L"IKHandleReferences", T::PointerArray),
-    array(9, L"EndEffectorTransforms", T::PointerArray),
-    array(10, L"RootJoints", T::PointerArray),
-    array(11, L"JointHierarchy", T::IntegerArray),
-    array(12, L"EndEffectorIndexList", T::IntegerArray),
-    array(13, L"RootIndexList", T::IntegerArray),
-    attributeArray(14, L"InputTargets", matrixElement),
-    attributeArray(15, L"BindPoses", matrixArrayElement),
-    attributeArray(16, L"InputGeometry", matrixElement),
-    attributeArray(17, L"OutputGeometry", matrixElement),
-    boolean(18, L"IKHandleEnabled", true),
-    boolean(19, L"IKSolverEnabled", true),
-    boolean(20, L"DrawDebugLines"),
-    boolean(21, L"RootLocked"),
-    boolean(22, L"LockRootX"),
-    boolean(23, L"LockRootY"),
-    boolean(24, L"LockRootZ"),
-    boolean(25, L"ContinuousMode"),
-    integer(26, L"MaxIterations", 100),
-    real(27, L"MoreBias"),
-    real(28, L"ReverseBias"),
-    real(29, L"PositionAccuracy", 0.0001).unit(Linear),
-    real(30, L"OrientationAccuracy", 0.001).unit(Angular),
-    boolean(31, L"DisableAllLimits"),
-    attributeArray(32, L"IKHandleParams", solverParameterElement),
-    attributeArray(33, L"JointIKParams", jointIKParameterElement),
+    array(8, L"IKHandleReferences", T::PointerArray), array(9, L"EndEffectorTransforms", T::PointerArray), array(10, L"RootJoints", T::PointerArray),
+    array(11, L"JointHierarchy", T::IntegerArray), array(12, L"EndEffectorIndexList", T::IntegerArray), array(13, L"RootIndexList", T::IntegerArray),
+    attributeArray(14, L"InputTargets", matrixElement), attributeArray(15, L"BindPoses", matrixArrayElement),
+    attributeArray(16, L"InputGeometry", matrixElement), attributeArray(17, L"OutputGeometry", matrixElement),
+    boolean(18, L"IKHandleEnabled", true), boolean(19, L"IKSolverEnabled", true), boolean(20, L"DrawDebugLines"),
+    boolean(21, L"RootLocked"), boolean(22, L"LockRootX"), boolean(23, L"LockRootY"), boolean(24, L"LockRootZ"),
+    boolean(25, L"ContinuousMode"), integer(26, L"MaxIterations", 100), real(27, L"MoreBias"), real(28, L"ReverseBias"),
+    real(29, L"PositionAccuracy", 0.0001).unit(Linear), real(30, L"OrientationAccuracy", 0.001).unit(Angular), boolean(31, L"DisableAllLimits"),
+    attributeArray(32, L"IKHandleParams", solverParameterElement), attributeArray(33, L"JointIKParams", jointIKParameterElement),
     array(34, L"AssociatedObjects", T::PointerArray),
 };
 static_assert(isSound(ikSolverRows, 8));
 constexpr Rows ikHandleRows = {
-    pointer(51, L"IKSolverReference"),
-    pointer(52, L"IKRootReference"),
-    pointer(53, L"IKEffectorReference"),
-    matrix(54, L"IKRootWorldMatrix"),
-    matrix(55, L"IKEndEffectorWorldMatrix"),
-    boolean(56, L"IKHandleEnabled", true),
-    compound(57, L"SolverParameters", solverParameterRows),
+    pointer(51, L"IKSolverReference"), pointer(52, L"IKRootReference"), pointer(53, L"IKEffectorReference"), matrix(54, L"IKRootWorldMatrix"),
+    matrix(55, L"IKEndEffectorWorldMatrix"), boolean(56, L"IKHandleEnabled", true), compound(57, L"SolverParameters", solverParameterRows),
     boolean(58, L"IsPrimary", true),
 };
 constexpr Rows jointIKParamsRows = {compound(8, L"Parameters", jointIKParameterRows)};
 constexpr Rows poleVectorRows = {
-    pointer(51, L"ControlJoint"), pointer(52, L"EndEffector"), boolean(53, L"Enabled", true),
-    channel(54, L"Weight", 1),    matrix(55, L"PoleVector"),
+    pointer(51, L"ControlJoint"), pointer(52, L"EndEffector"), boolean(53, L"Enabled", true), channel(54, L"Weight", 1), matrix(55, L"PoleVector"),
 };
 constexpr Rows retargetParameterRows = {
-    text(0, L"JointName"),
-    pointer(1, L"Referent"),
-    matrix(2, L"ReferentMatrix"),
-    matrix(3, L"Origin"),
-    boolean(4, L"HasParent"),
-    enumeration(5, L"Mode", retargetModes, 1),
-    real(6, L"TranslationWeight", 1),
-    real(7, L"RotationWeight", 1),
-    real(8, L"Scale", 1),
-    boolean(9, L"Active", true),
-    real(10, L"OffsetX"),
-    real(11, L"OffsetY"),
-    real(12, L"OffsetZ"),
-    enumeration(13, L"LimitType", limitTypes),
-    matrix(14, L"LimitMatrix"),
-    matrix(15, L"MovingOffsetMatrix"),
-    boolean(16, L"Swing1Active"),
-    real(17, L"Swing1Angle").unit(Angular),
-    boolean(18, L"Swing2Active"),
-    real(19, L"Swing2Angle").unit(Angular),
-    boolean(20, L"TwistActive"),
-    real(21, L"TwistAngle").unit(Angular),
-    real(22, L"TwistOffset").unit(Angular),
+    text(0, L"JointName"), pointer(1, L"Referent"), matrix(2, L"ReferentMatrix"), matrix(3, L"Origin"), boolean(4, L"HasParent"),
+    enumeration(5, L"Mode", retargetModes, 1), real(6, L"TranslationWeight", 1), real(7, L"RotationWeight", 1), real(8, L"Scale", 1),
+    boolean(9, L"Active", true), real(10, L"OffsetX"), real(11, L"OffsetY"), real(12, L"OffsetZ"),
+    enumeration(13, L"LimitType", limitTypes), matrix(14, L"LimitMatrix"), matrix(15, L"MovingOffsetMatrix"),
+    boolean(16, L"Swing1Active"), real(17, L"Swing1Angle").unit(Angular), boolean(18, L"Swing2Active"), real(19, L"Swing2Angle").unit(Angular),
+    boolean(20, L"TwistActive"), real(21, L"TwistAngle").unit(Angular), real(22, L"TwistOffset").unit(Angular),
 };
 constexpr Rows retargetParameterElement = {compound(0, L"Parameters", retargetParameterRows)};
 constexpr Rows retargetRows = {
-    array(8, L"SourceJoints", T::PointerArray),
-    array(9, L"TargetJoints", T::PointerArray),
-    attributeArray(10, L"InputSourceGeometry", matrixElement),
-    attributeArray(11, L"OutputTargetGeometry", matrixElement),
-    array(12, L"SourceHierarchy", T::IntegerArray),
-    array(13, L"TargetHierarchy", T::IntegerArray),
-    boolean(14, L"Enabled", true),
-    boolean(15, L"DrawDebugLines"),
-    attributeArray(16, L"SourceJointParams", retargetParameterElement),
-    attributeArray(17, L"TargetJointParams", retargetParameterElement),
-    boolean(18, L"DisableAllLimits"),
-    array(19, L"AssociatedObjects", T::PointerArray),
+    array(8, L"SourceJoints", T::PointerArray), array(9, L"TargetJoints", T::PointerArray), attributeArray(10, L"InputSourceGeometry", matrixElement),
+    attributeArray(11, L"OutputTargetGeometry", matrixElement), array(12, L"SourceHierarchy", T::IntegerArray),
+    array(13, L"TargetHierarchy", T::IntegerArray), boolean(14, L"Enabled", true), boolean(15, L"DrawDebugLines"),
+    attributeArray(16, L"SourceJointParams", retargetParameterElement), attributeArray(17, L"TargetJointParams", retargetParameterElement),
+    boolean(18, L"DisableAllLimits"), array(19, L"AssociatedObjects", T::PointerArray),
 };
 constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetParameterRows)};
 
@@ -299,73 +188,45 @@ constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetPa
 constexpr Rows kinematicsTargetRows = {matrix(0, L"Matrix"), matrix(1, L"Offset"), real(2, L"Weight", 1)};
 constexpr Rows kinematicsTargetElement = {compound(0, L"Target", kinematicsTargetRows)};
 constexpr Rows kinematicsConstraintRows = {
-    attributeArray(8, L"InputMatrices", kinematicsTargetElement),
-    matrix(9, L"ParentWorldIn"),
-    length(10, L"LocalTranslationOutX"),
-    length(11, L"LocalTranslationOutY"),
-    length(12, L"LocalTranslationOutZ"),
-    angle(13, L"LocalRotationOutX"),
-    angle(14, L"LocalRotationOutY"),
-    angle(15, L"LocalRotationOutZ"),
-    matrix(16, L"LocalMatrix"),
-    boolean(17, L"NormalizeWeights", true),
+    attributeArray(8, L"InputMatrices", kinematicsTargetElement), matrix(9, L"ParentWorldIn"),
+    length(10, L"LocalTranslationOutX"), length(11, L"LocalTranslationOutY"), length(12, L"LocalTranslationOutZ"),
+    angle(13, L"LocalRotationOutX"), angle(14, L"LocalRotationOutY"), angle(15, L"LocalRotationOutZ"),
+    matrix(16, L"LocalMatrix"), boolean(17, L"NormalizeWeights", true),
 };
 constexpr Rows aimConstraintRows = {
-    matrix(8, L"WorldIn"),        matrix(9, L"UpVectorIn").doc(L"World matrix of the object that is above."),
-    matrix(10, L"ParentWorldIn"), angle(11, L"LocalEulerOutX"),
-    angle(12, L"LocalEulerOutY"), angle(13, L"LocalEulerOutZ"),
+    matrix(8, L"WorldIn"), matrix(9, L"UpVectorIn").doc(L"World matrix of the object that is above."), matrix(10, L"ParentWorldIn"),
+    angle(11, L"LocalEulerOutX"), angle(12, L"LocalEulerOutY"), angle(13, L"LocalEulerOutZ"),
 };
 constexpr Rows matrixConversionRows = {
-    matrix(8, L"InputMatrix"),
-    length(9, L"PreTranslationX"),
-    length(10, L"PreTranslationY"),
-    length(11, L"PreTranslationZ"),
-    angle(12, L"PreRotationX"),
-    angle(13, L"PreRotationY"),
-    angle(14, L"PreRotationZ"),
-    angle(15, L"PostRotationX"),
-    angle(16, L"PostRotationY"),
-    angle(17, L"PostRotationZ"),
-    length(18, L"TranslationX"),
-    length(19, L"TranslationY"),
-    length(20, L"TranslationZ"),
-    angle(21, L"RotationX"),
-    angle(22, L"RotationY"),
-    angle(23, L"RotationZ"),
-    compound(24, L"RotationQuaternion", xyzw),
+    matrix(8, L"InputMatrix"), length(9, L"PreTranslationX"), length(10, L"PreTranslationY"), length(11, L"PreTranslationZ"),
+    angle(12, L"PreRotationX"), angle(13, L"PreRotationY"), angle(14, L"PreRotationZ"),
+    angle(15, L"PostRotationX"), angle(16, L"PostRotationY"), angle(17, L"PostRotationZ"),
+    length(18, L"TranslationX"), length(19, L"TranslationY"), length(20, L"TranslationZ"),
+    angle(21, L"RotationX"), angle(22, L"RotationY"), angle(23, L"RotationZ"), compound(24, L"RotationQuaternion", xyzw),
 };
 constexpr Rows mirrorConstraintRows = {
-    matrix(8, L"ParentWorldMatrix"),   angle(9, L"PreRotationX"),        angle(10, L"PreRotationY"),
-    angle(11, L"PreRotationZ"),        angle(12, L"PostRotationX"),      angle(13, L"PostRotationY"),
-    angle(14, L"PostRotationZ"),       length(15, L"PreTranslationX"),   length(16, L"PreTranslationY"),
-    length(17, L"PreTranslationZ"),    matrix(18, L"SourceWorldMatrix"), matrix(19, L"InverseWorldMatrix"),
-    matrix(20, L"DrivingWorldMatrix"), angle(21, L"RotationX"),          angle(22, L"RotationY"),
-    angle(23, L"RotationZ"),           integer(24, L"MirrorAxis"),
+    matrix(8, L"ParentWorldMatrix"), angle(9, L"PreRotationX"), angle(10, L"PreRotationY"), angle(11, L"PreRotationZ"),
+    angle(12, L"PostRotationX"), angle(13, L"PostRotationY"), angle(14, L"PostRotationZ"),
+    length(15, L"PreTranslationX"), length(16, L"PreTranslationY"), length(17, L"PreTranslationZ"),
+    matrix(18, L"SourceWorldMatrix"), matrix(19, L"InverseWorldMatrix"), matrix(20, L"DrivingWorldMatrix"),
+    angle(21, L"RotationX"), angle(22, L"RotationY"), angle(23, L"RotationZ"), integer(24, L"MirrorAxis"),
 };
 constexpr Rows pinRows = {
-    attributeArray(8, L"InputMatrices", kinematicsTargetElement),
-    matrix(9, L"ParentWorldIn"),
-    pointer(10, L"TranslationXReference"),
-    pointer(11, L"TranslationYReference"),
-    pointer(12, L"TranslationZReference"),
-    pointer(13, L"RotationXReference"),
-    pointer(14, L"RotationYReference"),
-    pointer(15, L"RotationZReference"),
-    pointer(16, L"LocalMatrixReference"),
-    pointer(17, L"WorldMatrixReference"),
+    attributeArray(8, L"InputMatrices", kinematicsTargetElement), matrix(9, L"ParentWorldIn"),
+    pointer(10, L"TranslationXReference"), pointer(11, L"TranslationYReference"), pointer(12, L"TranslationZReference"),
+    pointer(13, L"RotationXReference"), pointer(14, L"RotationYReference"), pointer(15, L"RotationZReference"),
+    pointer(16, L"LocalMatrixReference"), pointer(17, L"WorldMatrixReference"),
     boolean(19, L"Pinned").doc(L"The pinned object stays where it is."),
 };
 static_assert(isSound(pinRows, 8));
 constexpr Rows notRows = {boolean(6, L"Output", true), boolean(7, L"Input")};
-constexpr Rows copyMatrixRows = {matrix(8, L"Input"),
-                                 pointer(9, L"OutputReference").doc(L"The matrix that it is copied to.")};
+constexpr Rows copyMatrixRows = {matrix(8, L"Input"), pointer(9, L"OutputReference").doc(L"The matrix that it is copied to.")};
 constexpr Rows floatProductRows = {channel(8, L"Input"), channel(9, L"Factor", 1), channel(10, L"Output")};
 
 // ---- animation ----
 
 using A = AnimationNode;
-constexpr std::uint32_t value = A::valueBit, rotated = A::rotationBit, batch = A::batchBit,
-                        results = value | rotated | batch;
+constexpr std::uint32_t value = A::valueBit, rotated = A::rotationBit, batch = A::batchBit, results = value | rotated | batch;
 constexpr std::uint32_t keyed = A::keysBit | A::boundsBit | results;
 constexpr Rows animationRows = {
     enumeration(8, L"OutputMode", outputModes).affects(keyed).doc(L"Fixed once the curve has keys."),
@@ -374,25 +235,17 @@ constexpr Rows animationRows = {
     real(11, L"OutputValue").output(1).hot(),
     floats(12, L"OutputValuesArray").output(4),
     quaternion(13, L"OutputValueQuat").output(2),
-    real(14, L"OutputValueEulerX").unit(Angular).output(2),
-    real(15, L"OutputValueEulerY").unit(Angular).output(2),
+    real(14, L"OutputValueEulerX").unit(Angular).output(2), real(15, L"OutputValueEulerY").unit(Angular).output(2),
     real(16, L"OutputValueEulerZ").unit(Angular).output(2),
-    integer(17, L"InputUnits"),
-    integer(18, L"OutputUnits"),
-    enumeration(19, L"PreExtrapolation", extrapolations).affects(keyed),
-    enumeration(20, L"PostExtrapolation", extrapolations).affects(keyed),
+    integer(17, L"InputUnits"), integer(18, L"OutputUnits"),
+    enumeration(19, L"PreExtrapolation", extrapolations).affects(keyed), enumeration(20, L"PostExtrapolation", extrapolations).affects(keyed),
     boolean(21, L"IsCurveSampled").doc(L"The keys are dense samples, not set by hand."),
-    real(22, L"KeyframeMinX").output(3),
-    real(23, L"KeyframeMaxX").output(3),
-    real(24, L"KeyframeMinY").output(3),
-    real(25, L"KeyframeMaxY").output(3),
+    real(22, L"KeyframeMinX").output(3), real(23, L"KeyframeMaxX").output(3), real(24, L"KeyframeMinY").output(3), real(25, L"KeyframeMaxY").output(3),
     floats(26, L"KeyframeInputValues").affects(keyed).doc(L"One element a key, in the order in which keys were added."),
     floats(27, L"KeyframeOutputValues").affects(keyed),
     attributeArray(28, L"KeyframeOutputValuesQuat", rotationKey).affects(keyed),
-    floats(29, L"KeyframeInTangentsX").affects(keyed),
-    floats(30, L"KeyframeInTangentsY").affects(keyed),
-    floats(31, L"KeyframeOutTangentsX").affects(keyed),
-    floats(32, L"KeyframeOutTangentsY").affects(keyed),
+    floats(29, L"KeyframeInTangentsX").affects(keyed), floats(30, L"KeyframeInTangentsY").affects(keyed),
+    floats(31, L"KeyframeOutTangentsX").affects(keyed), floats(32, L"KeyframeOutTangentsY").affects(keyed),
     enumerationArray(33, L"KeyframeInterpolations", interpolations, 1).affects(keyed),
     enumerationArray(34, L"KeyframeContinuities", continuities, 1).affects(keyed),
     real(35, L"ExternalValue").affects(results).doc(L"The value of segments whose interpolation is external."),
@@ -401,143 +254,77 @@ constexpr Rows animationRows = {
 static_assert(isSound(animationRows, 8));
 
 constexpr Rows layerRows = {
-    text(0, L"Label"),       channel(1, L"Weight", 1), compound(2, L"Colour", white), boolean(3, L"Visible", true),
-    boolean(4, L"Override"),
+    text(0, L"Label"), channel(1, L"Weight", 1), compound(2, L"Colour", white), boolean(3, L"Visible", true), boolean(4, L"Override"),
 };
 constexpr Rows layerElement = {compound(0, L"Layer", layerRows)};
 constexpr Rows animationLayersRows = {attributeArray(8, L"Layers", layerElement)};
 
 constexpr Rows translationKeyRows = {
-    integer(0, L"KeyParameter"),
-    vector(1, L"InHandle"),
-    vector(2, L"Position"),
-    vector(3, L"OutHandle"),
-    enumeration(4, L"Interpolation", interpolations, 1),
-    enumeration(5, L"Continuity", continuities, 1),
+    integer(0, L"KeyParameter"), vector(1, L"InHandle"), vector(2, L"Position"), vector(3, L"OutHandle"),
+    enumeration(4, L"Interpolation", interpolations, 1), enumeration(5, L"Continuity", continuities, 1),
 };
 constexpr Rows rotationKeyRows = {
-    real(0, L"AttachPoint"),
-    vector(1, L"InTangent"),
-    compound(2, L"Orientation", xyzw),
-    vector(3, L"OutTangent"),
-    enumeration(4, L"Interpolation", interpolations, 1),
-    enumeration(5, L"Continuity", continuities, 1),
+    real(0, L"AttachPoint"), vector(1, L"InTangent"), compound(2, L"Orientation", xyzw), vector(3, L"OutTangent"),
+    enumeration(4, L"Interpolation", interpolations, 1), enumeration(5, L"Continuity", continuities, 1),
 };
 constexpr Rows safeGuardRows = {
-    vector(0, L"Centre"),     real(1, L"Radius").unit(Linear), real(2, L"DropoffRange"),
-    real(3, L"DropoffPinch"), real(4, L"DropoffBubble"),
+    vector(0, L"Centre"), real(1, L"Radius").unit(Linear), real(2, L"DropoffRange"), real(3, L"DropoffPinch"), real(4, L"DropoffBubble"),
 };
 constexpr Rows translationKeyElement = {compound(0, L"Key", translationKeyRows)};
 constexpr Rows trajectoryRotationElement = {compound(0, L"Key", rotationKeyRows)};
 constexpr Rows safeGuardElement = {compound(0, L"SafeGuard", safeGuardRows)};
 constexpr Rows trajectoryRows = {
-    real(51, L"InputValue"),
-    integer(52, L"InputUnits"),
-    integer(53, L"OutputUnits"),
-    enumeration(54, L"PreInfinity", extrapolations),
-    enumeration(55, L"PostInfinity", extrapolations),
-    boolean(56, L"IsTranslationCurveSampled"),
-    real(57, L"InterpolationTangentsCoeff", 0.3333333),
-    attributeArray(58, L"TranslationKeyframesArray", translationKeyElement),
-    boolean(59, L"IsRotationCurveSampled"),
-    attributeArray(60, L"RotationKeyframesArray", trajectoryRotationElement),
-    real(61, L"MaxArcLength").unit(Linear).with(FlagReadOnly),
-    boolean(62, L"UseSafeGuards"),
-    attributeArray(63, L"SafeGuardsArray", safeGuardElement),
-    real(64, L"TimingCurveFirstKeyTime").unit(Time),
-    real(65, L"TimingCurveLastKeyTime").unit(Time),
-    integer(66, L"TimingHandlesNum", 10),
-    boolean(67, L"TimingEnforceMonotonic"),
-    boolean(68, L"TimingPreserveTips"),
-    real(69, L"TimingTipsDropoffRange", 1),
-    real(70, L"TimingTipsDropoffPinch"),
-    real(71, L"TimingTipsDropoffBubble"),
-    floats(72, L"TimingHandlesTimesArray").with(FlagUnsaved),
-    floats(73, L"TimingHandlesArcLengthsArray").with(FlagUnsaved),
-    array(74, L"TimingHandlesPositionsArray", T::Vector3Array).with(FlagUnsaved),
-    enumeration(75, L"SmartEditing", smartEditings),
-    boolean(76, L"PaintOnCurve"),
-    integer(77, L"PaintThicknessVerticesNum", 8),
-    length(78, L"PaintCurveRadius", 0.01),
-    text(79, L"PaintAnimationName"),
-    matrix(80, L"LocalCurveMatrix").with(FlagReadOnly | FlagUnsaved),
-    matrix(81, L"WorldCurveMatrix").with(FlagReadOnly | FlagUnsaved),
-    boolean(82, L"ShowCurrentFrame"),
-    boolean(83, L"ShowTranslationHandles", true),
-    boolean(84, L"ShowRotationCurves"),
-    boolean(85, L"ShowRotationKeys"),
-    boolean(86, L"ShowRotationHandles"),
-    boolean(87, L"ShowTiming"),
-    boolean(88, L"ShowSafeGuards", true),
+    real(51, L"InputValue"), integer(52, L"InputUnits"), integer(53, L"OutputUnits"),
+    enumeration(54, L"PreInfinity", extrapolations), enumeration(55, L"PostInfinity", extrapolations), boolean(56, L"IsTranslationCurveSampled"),
+    real(57, L"InterpolationTangentsCoeff", 0.3333333), attributeArray(58, L"TranslationKeyframesArray", translationKeyElement),
+    boolean(59, L"IsRotationCurveSampled"), attributeArray(60, L"RotationKeyframesArray", trajectoryRotationElement),
+    real(61, L"MaxArcLength").unit(Linear).with(FlagReadOnly), boolean(62, L"UseSafeGuards"), attributeArray(63, L"SafeGuardsArray", safeGuardElement),
+    real(64, L"TimingCurveFirstKeyTime").unit(Time), real(65, L"TimingCurveLastKeyTime").unit(Time), integer(66, L"TimingHandlesNum", 10),
+    boolean(67, L"TimingEnforceMonotonic"), boolean(68, L"TimingPreserveTips"),
+    real(69, L"TimingTipsDropoffRange", 1), real(70, L"TimingTipsDropoffPinch"), real(71, L"TimingTipsDropoffBubble"),
+    floats(72, L"TimingHandlesTimesArray").with(FlagUnsaved), floats(73, L"TimingHandlesArcLengthsArray").with(FlagUnsaved),
+    array(74, L"TimingHandlesPositionsArray", T::Vector3Array).with(FlagUnsaved), enumeration(75, L"SmartEditing", smartEditings),
+    boolean(76, L"PaintOnCurve"), integer(77, L"PaintThicknessVerticesNum", 8), length(78, L"PaintCurveRadius", 0.01), text(79, L"PaintAnimationName"),
+    matrix(80, L"LocalCurveMatrix").with(FlagReadOnly | FlagUnsaved), matrix(81, L"WorldCurveMatrix").with(FlagReadOnly | FlagUnsaved),
+    boolean(82, L"ShowCurrentFrame"), boolean(83, L"ShowTranslationHandles", true), boolean(84, L"ShowRotationCurves"),
+    boolean(85, L"ShowRotationKeys"), boolean(86, L"ShowRotationHandles"), boolean(87, L"ShowTiming"), boolean(88, L"ShowSafeGuards", true),
 };
 static_assert(isSound(trajectoryRows, 51));
 
 // ---- geometry ----
 
 constexpr Rows primitiveRows = {
-    enumeration(18, L"Shape", shapes),
-    length(19, L"Width", 0.05),
-    length(20, L"Height", 0.05),
-    length(21, L"Length", 0.3),
-    length(22, L"Radius", 0.05),
-    real(23, L"Volume").with(FlagReadOnly),
-    boolean(24, L"InheritColour"),
-    boolean(25, L"InheritScale"),
-    enumeration(26, L"DisplayStyle", displayStyles, 3),
-    integer(27, L"HighlightStyle", 1),
-    integer(29, L"RadialSegments", 16),
-    integer(30, L"ArcSegments", 8),
+    enumeration(18, L"Shape", shapes), length(19, L"Width", 0.05), length(20, L"Height", 0.05), length(21, L"Length", 0.3), length(22, L"Radius", 0.05),
+    real(23, L"Volume").with(FlagReadOnly), boolean(24, L"InheritColour"), boolean(25, L"InheritScale"),
+    enumeration(26, L"DisplayStyle", displayStyles, 3), integer(27, L"HighlightStyle", 1), integer(29, L"RadialSegments", 16), integer(30, L"ArcSegments", 8),
 };
 static_assert(isSound(primitiveRows, 11));
 constexpr Rows meshRows = {
-    array(8, L"Vertices", T::Vector3Array).unit(Linear),
-    array(9, L"Normals", T::Vector3Array),
-    array(10, L"FaceIndices", T::IntegerArray),
+    array(8, L"Vertices", T::Vector3Array).unit(Linear), array(9, L"Normals", T::Vector3Array), array(10, L"FaceIndices", T::IntegerArray),
     array(11, L"FaceSizes", T::IntegerArray),
 };
 constexpr Rows meshInstanceRows = {
-    pointer(18, L"Mesh"),
-    pointer(19, L"Material"),
-    boolean(20, L"InheritColour"),
-    boolean(21, L"InheritScale"),
-    enumeration(22, L"DisplayStyle", displayStyles),
-    integer(23, L"HighlightStyle", 1),
-    boolean(24, L"DoubleSided"),
+    pointer(18, L"Mesh"), pointer(19, L"Material"), boolean(20, L"InheritColour"), boolean(21, L"InheritScale"),
+    enumeration(22, L"DisplayStyle", displayStyles), integer(23, L"HighlightStyle", 1), boolean(24, L"DoubleSided"),
 };
 constexpr Rows skinClusterRows = {
-    array(8, L"Joints", T::PointerArray),
-    array(9, L"BindMatrices", T::MatrixArray),
-    array(10, L"VertexIndices", T::IntegerArray),
-    array(11, L"JointIndices", T::IntegerArray),
-    floats(12, L"Weights"),
+    array(8, L"Joints", T::PointerArray), array(9, L"BindMatrices", T::MatrixArray), array(10, L"VertexIndices", T::IntegerArray),
+    array(11, L"JointIndices", T::IntegerArray), floats(12, L"Weights"),
 };
 constexpr Rows blendTargetRows = {text(0, L"Label"), channel(1, L"Weight"), array(2, L"Vertices", T::Vector3Array)};
 constexpr Rows blendTargetElement = {compound(0, L"Target", blendTargetRows)};
 constexpr Rows blendShapeRows = {attributeArray(8, L"Targets", blendTargetElement)};
-constexpr Rows imageRows = {integer(0, L"Width"), integer(1, L"Height"), integer(2, L"Depth"),
-                            array(3, L"Pixels", T::IntegerArray)};
+constexpr Rows imageRows = {integer(0, L"Width"), integer(1, L"Height"), integer(2, L"Depth"), array(3, L"Pixels", T::IntegerArray)};
 constexpr Rows materialRows = {
-    compound(8, L"Diffuse", white),
-    compound(9, L"Specular", white),
-    compound(10, L"Ambient", white),
-    channel(11, L"Shininess", 20),
-    compound(12, L"DiffuseTexture", imageRows),
-    compound(13, L"SpecularTexture", imageRows),
-    compound(14, L"AmbientTexture", imageRows),
+    compound(8, L"Diffuse", white), compound(9, L"Specular", white), compound(10, L"Ambient", white), channel(11, L"Shininess", 20),
+    compound(12, L"DiffuseTexture", imageRows), compound(13, L"SpecularTexture", imageRows), compound(14, L"AmbientTexture", imageRows),
 };
 constexpr Rows cameraRows = {
-    enumeration(51, L"CameraType", cameraTypes),
-    channel(52, L"ViewingAngle", 60).doc(L"Degrees, of a perspective camera."),
-    length(53, L"ViewingWidth", 3),
-    length(54, L"NearClipDistance", 0.01),
-    length(55, L"FarClipDistance", 1000),
-    channel(56, L"AspectRatio", 1.85),
+    enumeration(51, L"CameraType", cameraTypes), channel(52, L"ViewingAngle", 60).doc(L"Degrees, of a perspective camera."), length(53, L"ViewingWidth", 3),
+    length(54, L"NearClipDistance", 0.01), length(55, L"FarClipDistance", 1000), channel(56, L"AspectRatio", 1.85),
 };
 constexpr Rows lightRows = {
-    enumeration(51, L"LightType", lightTypes),
-    channel(52, L"Intensity", 1),
-    angle(53, L"ConeAngle", 0.7853982),
-    length(54, L"Range", 10),
+    enumeration(51, L"LightType", lightTypes), channel(52, L"Intensity", 1), angle(53, L"ConeAngle", 0.7853982), length(54, L"Range", 10),
 };
 constexpr Rows gridRows = {length(18, L"Size", 20), length(19, L"Spacing", 1), integer(20, L"Divisions", 5)};
 
@@ -545,177 +332,100 @@ constexpr Rows gridRows = {length(18, L"Size", 20), length(19, L"Spacing", 1), i
 
 constexpr Rows physicsBodyRows = {
     channel(31, L"Density", 1000).unit(Density), channel(32, L"Restitution", 0.05), channel(33, L"StaticFriction", 0.2),
-    channel(34, L"DynamicFriction", 0.2),        length(35, L"SkinWidth", 0.001),
+    channel(34, L"DynamicFriction", 0.2), length(35, L"SkinWidth", 0.001),
 };
 constexpr Rows physicsMeshInstanceRows = {
     boolean(25, L"MotionEnabled", true), channel(26, L"Density", 1000).unit(Density), channel(27, L"Restitution", 0.05),
-    channel(28, L"StaticFriction", 0.2), channel(29, L"DynamicFriction", 0.2),        length(30, L"SkinWidth", 0.001),
+    channel(28, L"StaticFriction", 0.2), channel(29, L"DynamicFriction", 0.2), length(30, L"SkinWidth", 0.001),
 };
 constexpr Rows physicsJointRows = {
-    boolean(58, L"MotionEnabled", true),
-    channel(59, L"LinearDamping"),
-    channel(60, L"AngularDamping"),
-    channel(61, L"MaxAngularVelocity").unit(AngularVelocity),
-    channel(62, L"SwingStiffness"),
-    channel(63, L"TwistStiffness"),
-    channel(64, L"SwingDamping"),
-    channel(65, L"TwistDamping"),
-    channel(66, L"LinearVelocityX").unit(Velocity),
-    channel(67, L"LinearVelocityY").unit(Velocity),
-    channel(68, L"LinearVelocityZ").unit(Velocity),
-    channel(69, L"AngularVelocityX").unit(AngularVelocity),
-    channel(70, L"AngularVelocityY").unit(AngularVelocity),
+    boolean(58, L"MotionEnabled", true), channel(59, L"LinearDamping"), channel(60, L"AngularDamping"), channel(61, L"MaxAngularVelocity").unit(AngularVelocity),
+    channel(62, L"SwingStiffness"), channel(63, L"TwistStiffness"), channel(64, L"SwingDamping"), channel(65, L"TwistDamping"),
+    channel(66, L"LinearVelocityX").unit(Velocity), channel(67, L"LinearVelocityY").unit(Velocity), channel(68, L"LinearVelocityZ").unit(Velocity),
+    channel(69, L"AngularVelocityX").unit(AngularVelocity), channel(70, L"AngularVelocityY").unit(AngularVelocity),
     channel(71, L"AngularVelocityZ").unit(AngularVelocity),
-    boolean(72, L"DriveEnabled"),
-    channel(73, L"DriveBlendWeight", 1),
-    text(74, L"DriveType", L"SlerpDrive"),
-    channel(75, L"DriveSlerpStiffness", 1e6),
-    channel(76, L"DriveSwingStiffness", 1e6),
-    channel(77, L"DriveTwistStiffness", 1e6),
-    channel(78, L"DriveSlerpDamping"),
-    channel(79, L"DriveSwingDamping"),
-    channel(80, L"DriveTwistDamping"),
-    matrix(81, L"DriveInputMatrix"),
-    matrix(82, L"DriveOutputMatrix"),
-    boolean(83, L"ShowActiveDrive"),
+    boolean(72, L"DriveEnabled"), channel(73, L"DriveBlendWeight", 1), text(74, L"DriveType", L"SlerpDrive"),
+    channel(75, L"DriveSlerpStiffness", 1e6), channel(76, L"DriveSwingStiffness", 1e6), channel(77, L"DriveTwistStiffness", 1e6),
+    channel(78, L"DriveSlerpDamping"), channel(79, L"DriveSwingDamping"), channel(80, L"DriveTwistDamping"),
+    matrix(81, L"DriveInputMatrix"), matrix(82, L"DriveOutputMatrix"), boolean(83, L"ShowActiveDrive"),
 };
 static_assert(isSound(physicsJointRows, 58));
 constexpr Rows physicsJointLimitRows = {
-    channel(74, L"Swing1Stiffness", 1e6),       channel(75, L"Swing1Damping", 0.1),
-    channel(76, L"Swing1Restitution"),          channel(77, L"Swing2Stiffness", 1e6),
-    channel(78, L"Swing2Damping", 0.1),         channel(79, L"Swing2Restitution"),
-    channel(80, L"LowerTwistStiffness", 1e6),   channel(81, L"LowerTwistDamping", 0.1),
-    channel(82, L"LowerTwistRestitution"),      channel(83, L"UpperTwistStiffness", 1e6),
-    channel(84, L"UpperTwistDamping", 0.1),     channel(85, L"UpperTwistRestitution"),
-    channel(86, L"SoftSwing1Stiffness", 10000), channel(87, L"SoftSwing2Stiffness", 10000),
-    channel(88, L"SoftTwistStiffness", 10000),
+    channel(74, L"Swing1Stiffness", 1e6), channel(75, L"Swing1Damping", 0.1), channel(76, L"Swing1Restitution"),
+    channel(77, L"Swing2Stiffness", 1e6), channel(78, L"Swing2Damping", 0.1), channel(79, L"Swing2Restitution"),
+    channel(80, L"LowerTwistStiffness", 1e6), channel(81, L"LowerTwistDamping", 0.1), channel(82, L"LowerTwistRestitution"),
+    channel(83, L"UpperTwistStiffness", 1e6), channel(84, L"UpperTwistDamping", 0.1), channel(85, L"UpperTwistRestitution"),
+    channel(86, L"SoftSwing1Stiffness", 10000), channel(87, L"SoftSwing2Stiffness", 10000), channel(88, L"SoftTwistStiffness", 10000),
 };
 constexpr Rows physicsConstraintRows = {
-    matrix(51, L"TargetInputMatrix"),
-    matrix(52, L"TargetOutputMatrix"),
-    boolean(53, L"ConstraintEnabled", true),
-    db::row::value(54, L"ConstraintMode", T::Enumeration),
-    channel(55, L"TargetBlendWeight", 1),
-    boolean(56, L"ShowCurrentFrame"),
-    boolean(57, L"ShowTargetFrame"),
-    angle(58, L"WorkingRotationX"),
-    angle(59, L"WorkingRotationY"),
-    angle(60, L"WorkingRotationZ"),
-    boolean(61, L"TranslationXActive", true),
-    boolean(62, L"TranslationYActive", true),
-    boolean(63, L"TranslationZActive", true),
-    boolean(64, L"RotationXActive", true),
-    boolean(65, L"RotationYActive", true),
-    boolean(66, L"RotationZActive", true),
-    length(67, L"MaximumRange", 0.1),
-    channel(68, L"TranslationStiffness", 100000),
-    channel(69, L"RotationStiffness", 5729.5776),
-    channel(70, L"TranslationDamping"),
-    channel(71, L"RotationDamping"),
-    channel(72, L"ForceLimit", 10),
-    channel(73, L"TorqueLimit", 1),
-    channel(74, L"SpeedMultiplier", 1),
-    channel(75, L"SpeedLimit"),
-    channel(76, L"RelativeSpeedLimit"),
+    matrix(51, L"TargetInputMatrix"), matrix(52, L"TargetOutputMatrix"), boolean(53, L"ConstraintEnabled", true), db::row::value(54, L"ConstraintMode", T::Enumeration),
+    channel(55, L"TargetBlendWeight", 1), boolean(56, L"ShowCurrentFrame"), boolean(57, L"ShowTargetFrame"),
+    angle(58, L"WorkingRotationX"), angle(59, L"WorkingRotationY"), angle(60, L"WorkingRotationZ"),
+    boolean(61, L"TranslationXActive", true), boolean(62, L"TranslationYActive", true), boolean(63, L"TranslationZActive", true),
+    boolean(64, L"RotationXActive", true), boolean(65, L"RotationYActive", true), boolean(66, L"RotationZActive", true),
+    length(67, L"MaximumRange", 0.1), channel(68, L"TranslationStiffness", 100000), channel(69, L"RotationStiffness", 5729.5776),
+    channel(70, L"TranslationDamping"), channel(71, L"RotationDamping"), channel(72, L"ForceLimit", 10), channel(73, L"TorqueLimit", 1),
+    channel(74, L"SpeedMultiplier", 1), channel(75, L"SpeedLimit"), channel(76, L"RelativeSpeedLimit"),
 };
 static_assert(isSound(physicsConstraintRows, 51));
 
 // ---- groups, selection, settings ----
 
 constexpr Rows groupRows = {
-    text(8, L"Label"),
-    pointer(9, L"ParentGroupReference"),
-    array(10, L"ChildGroupReferenceArray", T::PointerArray),
-    boolean(11, L"IsGroupFolder"),
-    boolean(12, L"IsGroupSeparator"),
-    array(13, L"ObjectReferenceArray", T::PointerArray),
-    integer(14, L"SubObjectType"),
-    array(15, L"SubObjectArray", T::IntegerArray),
-    boolean(16, L"IsFocused"),
-    boolean(17, L"IsExpanded", true),
-    boolean(18, L"IsActive", true),
-    boolean(19, L"IsEditable", true),
-    boolean(20, L"IsSelectable", true),
-    boolean(21, L"IsVisible", true),
+    text(8, L"Label"), pointer(9, L"ParentGroupReference"), array(10, L"ChildGroupReferenceArray", T::PointerArray),
+    boolean(11, L"IsGroupFolder"), boolean(12, L"IsGroupSeparator"), array(13, L"ObjectReferenceArray", T::PointerArray),
+    integer(14, L"SubObjectType"), array(15, L"SubObjectArray", T::IntegerArray), boolean(16, L"IsFocused"), boolean(17, L"IsExpanded", true),
+    boolean(18, L"IsActive", true), boolean(19, L"IsEditable", true), boolean(20, L"IsSelectable", true), boolean(21, L"IsVisible", true),
     compound(22, L"Colour", white),
 };
 // The selection's own attributes begin at 13.
 constexpr Rows selectionRows = {
-    array(13, L"Entities", T::PointerArray),
-    integer(14, L"SubEntityType"),
-    array(15, L"SubEntities", T::IntegerArray),
+    array(13, L"Entities", T::PointerArray), integer(14, L"SubEntityType"), array(15, L"SubEntities", T::IntegerArray),
 };
 constexpr Rows sceneSettingsRows = {
-    enumeration(8, L"LinearUnits", linearUnits, 2),
-    enumeration(9, L"MassUnits", massUnits, 1),
-    enumeration(10, L"AngularUnits", angularUnits),
-    integer(11, L"FrameRate", 24).unit(Framerate).range(0, 1e6),
-    real(12, L"Time").unit(Time).hot(),
-    real(13, L"StartTime").unit(Time),
-    real(14, L"EndTime", 3).unit(Time),
-    real(15, L"PlaybackStartTime").unit(Time),
-    real(16, L"PlaybackEndTime", 3).unit(Time),
-    real(17, L"SimulationRate", 60).unit(Framerate),
-    integer(18, L"SolverAccuracy", 100),
-    integer(19, L"SolverSubsteps", 10),
-    boolean(20, L"ContinuousCollisions", true),
-    boolean(21, L"PlayDuringSimulation", true),
-    real(22, L"GravityX").unit(Acceleration),
-    real(23, L"GravityY", -9.81).unit(Acceleration),
-    real(24, L"GravityZ").unit(Acceleration),
-    text(25, L"StartScript"),
-    text(26, L"UpdateScript"),
-    text(27, L"EndScript"),
-    enumeration(28, L"ScriptingLanguage", scriptingLanguages),
-    array(29, L"PluginPaths", T::StringArray),
-    array(30, L"Plugins", T::StringArray),
-    integer(31, L"ActiveTool", 1),
+    enumeration(8, L"LinearUnits", linearUnits, 2), enumeration(9, L"MassUnits", massUnits, 1), enumeration(10, L"AngularUnits", angularUnits),
+    integer(11, L"FrameRate", 24).unit(Framerate).range(0, 1e6), real(12, L"Time").unit(Time).hot(),
+    real(13, L"StartTime").unit(Time), real(14, L"EndTime", 3).unit(Time),
+    real(15, L"PlaybackStartTime").unit(Time), real(16, L"PlaybackEndTime", 3).unit(Time),
+    real(17, L"SimulationRate", 60).unit(Framerate), integer(18, L"SolverAccuracy", 100), integer(19, L"SolverSubsteps", 10),
+    boolean(20, L"ContinuousCollisions", true), boolean(21, L"PlayDuringSimulation", true),
+    real(22, L"GravityX").unit(Acceleration), real(23, L"GravityY", -9.81).unit(Acceleration), real(24, L"GravityZ").unit(Acceleration),
+    text(25, L"StartScript"), text(26, L"UpdateScript"), text(27, L"EndScript"), enumeration(28, L"ScriptingLanguage", scriptingLanguages),
+    array(29, L"PluginPaths", T::StringArray), array(30, L"Plugins", T::StringArray), integer(31, L"ActiveTool", 1),
 };
 static_assert(isSound(sceneSettingsRows, 8));
 constexpr Rows viewportRows = {
-    array(8, L"Camera", T::StringArray),
-    array(9, L"ColourMode", T::IntegerArray),
-    array(10, L"DisplayMode", T::EnumerationArray),
-    array(11, L"HeadsUpMode", T::EnumerationArray),
-    attributeArray(12, L"DisplayFilter", stringArrayElement),
+    array(8, L"Camera", T::StringArray), array(9, L"ColourMode", T::IntegerArray), array(10, L"DisplayMode", T::EnumerationArray),
+    array(11, L"HeadsUpMode", T::EnumerationArray), attributeArray(12, L"DisplayFilter", stringArrayElement),
 };
 
 // ---- tools and controllers ----
 
-constexpr Rows selectToolRows = {array(8, L"Items", T::IntegerArray), array(9, L"SubItems", T::IntegerArray),
-                                 enumeration(10, L"SelectionMode", selectionModes)};
-constexpr Rows moveToolRows = {enumeration(8, L"Orientation", orientations), length(9, L"TranslationX"),
-                               length(10, L"TranslationY"), length(11, L"TranslationZ")};
-constexpr Rows rotateToolRows = {enumeration(8, L"Orientation", orientations), vector(9, L"RotationAxis"),
-                                 angle(10, L"RotationAngle")};
+constexpr Rows selectToolRows = {array(8, L"Items", T::IntegerArray), array(9, L"SubItems", T::IntegerArray), enumeration(10, L"SelectionMode", selectionModes)};
+constexpr Rows moveToolRows = {enumeration(8, L"Orientation", orientations), length(9, L"TranslationX"), length(10, L"TranslationY"), length(11, L"TranslationZ")};
+constexpr Rows rotateToolRows = {enumeration(8, L"Orientation", orientations), vector(9, L"RotationAxis"), angle(10, L"RotationAngle")};
 constexpr Rows scaleToolRows = {channel(8, L"ScaleX", 1), channel(9, L"ScaleY", 1), channel(10, L"ScaleZ", 1)};
-constexpr Rows timingToolRows = {enumeration(8, L"Orientation", orientations), channel(9, L"Slide"),
-                                 channel(10, L"Scale")};
+constexpr Rows timingToolRows = {enumeration(8, L"Orientation", orientations), channel(9, L"Slide"), channel(10, L"Scale")};
 constexpr Rows controllerRows = {
-    boolean(8, L"DropoffEnabled"), enumeration(9, L"DropoffMode", dropoffModes),
-    real(10, L"DropoffRange", 1),  real(11, L"DropoffPinch"),
+    boolean(8, L"DropoffEnabled"), enumeration(9, L"DropoffMode", dropoffModes), real(10, L"DropoffRange", 1), real(11, L"DropoffPinch"),
     real(12, L"DropoffBubble"),
 };
 constexpr Rows jointControllerRows = {boolean(13, L"AutoRotateJointLimits", true)};
 constexpr Rows jointLimitControllerRows = {boolean(13, L"RotateMovingFrameOffset")};
-constexpr Rows trajectoryControllerRows = {enumeration(13, L"RotationMode", rotationToolModes),
-                                           enumeration(14, L"BentSide", bentSides)};
+constexpr Rows trajectoryControllerRows = {enumeration(13, L"RotationMode", rotationToolModes), enumeration(14, L"BentSide", bentSides)};
 
 }  // namespace
 
 // ---- the types, bases first ----
 
-#define SG_TYPE(Class, Base, rows)                                                                                     \
-    db::NodeDef const Class::Def(L"sg", Class::ClassID.c_str(), &Base::Def, rows, sizeof(Class), make<Class>)
+#define SG_TYPE(Class, Base, rows) db::NodeDef const Class::Def(L"sg", Class::ClassID.c_str(), &Base::Def, rows, sizeof(Class), make<Class>)
 #define SG_PLAIN(Class, Base) SG_TYPE(Class, Base, {})
 
 db::NodeDef const Node::Def(L"sg", L"Node", nullptr, nodeRows, sizeof(Node), make<Node>);
 SG_PLAIN(Connection, Node);
 SG_PLAIN(UnknownNode, Node);
-db::NodeDef const RenderableNode::Def(L"sg", L"Renderable", &Node::Def, renderableRows, sizeof(RenderableNode),
-                                      nullptr);
-db::NodeDef const TransformBaseNode::Def(L"sg", L"TransformBase", &RenderableNode::Def, transformBaseRows,
-                                         sizeof(TransformBaseNode), nullptr);
+db::NodeDef const RenderableNode::Def(L"sg", L"Renderable", &Node::Def, renderableRows, sizeof(RenderableNode), nullptr);
+db::NodeDef const TransformBaseNode::Def(L"sg", L"TransformBase", &RenderableNode::Def, transformBaseRows, sizeof(TransformBaseNode), nullptr);
 SG_TYPE(TransformNode, TransformBaseNode, transformRows);
 
 SG_PLAIN(NullNode, Node);
