@@ -45,6 +45,7 @@ void Database::destruct() {
     dropRecords(journal_.data(), journal_.size(), false);
     journal_.clear();
     telling_ = 0;
+    for (Retired& r : retired_) r.told = true;
     emptyGraveyard();
     for (std::size_t p = 0; p < pages_.size(); ++p)
         if (pages_[p] && !(pages_[p] & 1)) destroy(*reinterpret_cast<Node*>(pages_[p]));
@@ -188,6 +189,7 @@ void Database::tell(bool transient) {
         set_ = std::move(spareSets_.back());
         spareSets_.pop_back();
     }
+    for (Retired& r : retired_) r.told = true;
     customiseChangeSet(*told);
     told->close();
     ++telling_;

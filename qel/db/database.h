@@ -192,6 +192,7 @@ private:
     void retire(Node& n);
     void free(Node& n);
     void retireContent();
+    void freeRetired();
     Node* construct(NodeDef const& def);
     bool areIDsFree(int id, std::size_t pages) const;
     bool hasRoomFor(NodeDef const& def) const;
@@ -208,7 +209,9 @@ private:
     std::vector<ElementBlock*> elementGraveyard_;
     struct Retired {  // a content that was replaced
         std::vector<Node*> nodes;
+        std::vector<ElementBlock*> elements;
         std::vector<std::unique_ptr<NodePool>> pools;
+        bool told = false;  // the set that lists it goes out, or went
     };
     std::vector<Retired> retired_;
     Preserved preserved_;

@@ -31,7 +31,8 @@ void Database::retireContent() {
         n->removed_ = true;
     }
     --telling_;
-    retired_.push_back({std::exchange(graveyard_, {}), std::exchange(pools_, {})});
+    retired_.push_back(
+        {std::exchange(graveyard_, {}), std::exchange(elementGraveyard_, {}), std::exchange(pools_, {}), false});
     pages_.clear();
     nodeCount_ = 0;
 }

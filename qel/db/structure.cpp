@@ -140,8 +140,17 @@ void Database::destroyElements(std::vector<ElementBlock*> const& elements) {
 void Database::emptyGraveyard() {
     for (ElementBlock* e : std::exchange(elementGraveyard_, {})) ElementBlock::destroy(e);
     for (Node* n : std::exchange(graveyard_, {})) destroy(*n);
-    for (Retired const& r : std::exchange(retired_, {}))
+    freeRetired();
+}
+
+// What an observer replaced while it was told is listed in the next set, and waits for the end of that one's telling.
+void Database::freeRetired() {
+    for (Retired const& r : retired_) {
+        if (!r.told) continue;
+        for (ElementBlock* e : r.elements) ElementBlock::destroy(e);
         for (Node* n : r.nodes) free(*n);
+    }
+    std::erase_if(retired_, [](Retired const& r) { return r.told; });
 }
 
 // ---- places ----
