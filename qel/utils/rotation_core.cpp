@@ -195,7 +195,7 @@ Triple toEuler(Rotation const& rotation, int order) {
         named[i] = parity * first;
         named[k] = parity * std::atan2(s * r[k][i] - c * r[j][i], c * r[j][j] - s * r[k][j]);
     }
-    return {named[0], named[1], named[2]};
+    return {named[0] + 0.0, named[1] + 0.0, named[2] + 0.0};  // no angle is minus zero
 }
 
 Quaternion fromTwistSwing(Triple const& v) {
