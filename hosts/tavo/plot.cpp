@@ -40,7 +40,8 @@ std::vector<Line> linesOf(XScene& scene, PlotVerb const& verb) {
 }
 
 double valueOf(XAttribute const& a) {
-    return a.IsInt() ? a.Integer() : a.IsBool() ? a.Boolean() : a.IsDouble() ? a.DisplayDouble() : a.DisplayFloat();
+    if (a.IsInt() || a.IsBool()) return a.IsInt() ? a.Integer() : a.Boolean();
+    return convertUnits(a, ToExternalUnits, a.IsDouble() ? a.Double() : a.Float());
 }
 
 void sample(Session& session, std::vector<Line>& lines) {
@@ -70,7 +71,7 @@ void addKeys(Session& session, Line& line) {
     for (int i = 0; times && values && i < std::min(inputs, outputs); ++i) {
         if (times[i] < line.curve.x.front() || times[i] > line.curve.x.back()) continue;
         line.curve.keyX.push_back(times[i]);
-        line.curve.keyY.push_back(line.attribute.AsDisplayFloat(values[i]));
+        line.curve.keyY.push_back(convertUnits(line.attribute, ToExternalUnits, values[i]));
     }
 }
 

@@ -69,8 +69,8 @@ double Reading::readNumber(XAttribute const& attribute, bool display) const {
     if (attribute.IsInt()) return attribute.Integer();
     if (attribute.IsEnum()) return attribute.Enumeration();
     if (attribute.IsBool()) return attribute.Boolean();
-    if (attribute.IsDouble()) return display ? attribute.DisplayDouble() : attribute.Double();
-    return display ? attribute.DisplayFloat() : attribute.Float();
+    double const value = attribute.IsDouble() ? attribute.Double() : attribute.Float();
+    return display ? convertUnits(attribute, ToExternalUnits, value) : value;
 }
 
 void Reading::readVector(XVector3 value, sg::AttributeUnit unit, std::vector<double>& out, bool display) const {
@@ -82,6 +82,11 @@ void Reading::readMatrix(std::vector<double>& out, bool display) const {
     XMatrix matrix = attribute_.Matrix();
     if (display) object_.Database().ConvertUnits(ToExternalUnits, matrix);
     for (int i = 0; i < 16; ++i) out.push_back(i == 15 ? 1 : i % 4 == 3 ? 0 : matrix.Element(i / 4, i % 4));
+}
+
+double convertUnits(XAttribute const& attribute, XUnitConversionType direction, double value) {
+    attribute.Database().ConvertUnits(UnitCodeOf(sg::AttributeUnit(attribute.Units())), direction, value);
+    return attribute.IsFloat() ? float(value) : value;
 }
 
 std::string displayUnit(XScene const& scene, int unit) {

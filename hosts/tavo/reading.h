@@ -39,6 +39,9 @@ private:
     bool single_ = true;
 };
 
+// A value of the attribute between internal units and those that the scene shows, by what the attribute's unit means.
+double convertUnits(Tavo::XAttribute const& attribute, Tavo::XUnitConversionType direction, double value);
+
 // "m", "°", "s" and so on: the unit in which the scene shows such attributes; empty without one.
 std::string displayUnit(Tavo::XScene const& scene, int unit);
 

@@ -1,5 +1,6 @@
 // set: new values for attributes, as one step of the history, and the document written anew.
 #include "hosts/tavo/find.h"
+#include "hosts/tavo/reading.h"
 #include "hosts/tavo/session.h"
 #include "qel/utils/text.h"
 
@@ -74,10 +75,8 @@ bool setVector(XAttribute& attribute, std::string const& text, bool display) {
 bool setNumber(XAttribute& attribute, std::string const& text, bool display) {
     double value = 0;
     if (!Qelutils::parseNumber(text, value) || !std::isfinite(float(value))) return false;
-    if (attribute.IsDouble())
-        display ? attribute.SetDisplayDouble(value) : attribute.SetDouble(value);
-    else
-        display ? attribute.SetDisplayFloat(float(value)) : attribute.SetFloat(float(value));
+    if (display) value = convertUnits(attribute, ToInternalUnits, value);
+    attribute.IsDouble() ? attribute.SetDouble(value) : attribute.SetFloat(float(value));
     return true;
 }
 

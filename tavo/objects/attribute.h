@@ -282,7 +282,9 @@ public:
     XKeyframe SetKeyframe();  // the current value at the current time
     XKeyframe SetKeyframe(float time, float value);
 
-    // ---- display: values in the units that the user chose ----
+    // ---- display: the number Units() goes to the database's ConvertUnits as it is ----
+    // There it is read as an XUnitCode, which counts otherwise: an angle (5) is converted like a length, a length (2)
+    // not at all. An oddity that stays. XDatabase::ConvertUnits(sg::AttributeUnit, ...) goes by the meaning.
     float DisplayFloat(int index = 0) const;
     double DisplayDouble(int index = 0) const;
     float AsDisplayFloat() const;
@@ -320,8 +322,7 @@ private:
     bool isFed(XAttribute const& source) const;
     bool connect(XAttribute const& source, XAttribute const& target) const;
     sg::Scene* graph() const;  // null for an invalid handle
-    float converted(float value, int direction) const;
-    double converted(double value, int direction) const;
+    template<class Value> Value converted(Value value, int direction) const;
 
     XDatabase* _database = nullptr;
     sg::AttributeHandle _attribute;

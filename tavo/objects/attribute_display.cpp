@@ -42,13 +42,10 @@ std::wstring XAttribute::ConciseDisplayName() const { return ConvertToDisplayNam
 
 // ---- units ----
 
-float XAttribute::converted(float value, int direction) const {
-    if (database()) database()->ConvertUnits(sg::AttributeUnit(Units()), XUnitConversionType(direction), value);
+template<class Value> Value XAttribute::converted(Value value, int direction) const {
+    if (database()) database()->ConvertUnits(Units(), XUnitConversionType(direction), value);
     return value;
 }
-
-// Units differ by a factor, so that one converts the value without losing digits.
-double XAttribute::converted(double value, int direction) const { return value * converted(1.0f, direction); }
 
 float XAttribute::DisplayFloat(int index) const { return converted(Float(index), ToExternalUnits); }
 double XAttribute::DisplayDouble(int index) const { return converted(Double(index), ToExternalUnits); }

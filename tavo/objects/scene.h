@@ -133,7 +133,8 @@ public:
     XScene& Play();
     XScene& PlayReverse();
     XScene& Stop();
-    // Whole frames within the playback range, around whose ends the single steps wrap. Each stops playback first.
+    // Whole frames within the playback range, around whose ends the single steps wrap: they are one moment of the
+    // cycle, so that the frame after the end is the one after the start. Each stops playback first.
     XScene& GoToFirstFrame();
     XScene& GoToPreviousFrame();
     XScene& GoToNextFrame();

@@ -19,22 +19,21 @@ struct PlaybackRange {
 };
 
 // The frame after `time`. A time that stands on a frame, within a thousandth of a step, moves on from that frame, so
-// that rounding cannot hold it there. From the last frame of the range the step leads to the first; a time that was
-// outside to begin with moves by the length of the range.
+// that rounding cannot hold it there. A step beyond the range comes back by the length of the range: its two ends are
+// the same moment of a cycle, and from the one the step leads to the frame that follows the other. A time is stored as
+// a float, and so it is the float that is compared with the end.
 double nextFrame(double time, PlaybackRange const& range) {
-    double const step = 1 / range.rate, near = XScene::FrameTimeThreshold * step;
+    double const step = 1 / range.rate;
     double next = std::ceil(range.rate * time) / range.rate;
-    if (std::abs(next - time) <= near) next += step;
-    if (next <= range.end + near) return next;
-    return time <= range.end + near ? range.start : next - range.length();
+    if (std::abs(next - time) <= XScene::FrameTimeThreshold * step) next += step;
+    return float(next) > range.end ? next - range.length() : next;
 }
 
 double previousFrame(double time, PlaybackRange const& range) {
-    double const step = 1 / range.rate, near = XScene::FrameTimeThreshold * step;
+    double const step = 1 / range.rate;
     double previous = std::floor(range.rate * time) / range.rate;
-    if (std::abs(previous - time) <= near) previous -= step;
-    if (previous >= range.start - near) return previous;
-    return time >= range.start - near ? range.end : previous + range.length();
+    if (std::abs(previous - time) <= XScene::FrameTimeThreshold * step) previous -= step;
+    return float(previous) < range.start ? previous + range.length() : previous;
 }
 
 }  // namespace

@@ -61,16 +61,27 @@ TEST_F(AttributeDisplay, EachKindShowsItself) {
     EXPECT_EQ(style.SetEnumeration(2).DisplayValue(), L"Wireframe Axes");
 }
 
-TEST_F(AttributeDisplay, LengthsAreShownAndTakenInTheChosenUnit) {
-    TestDocument document;
-    XAttribute a = XJoint(document.CreateObject(L"Joint")).TranslationX();
-    a.SetFloat(1.5f);
-    EXPECT_FLOAT_EQ(a.DisplayFloat(), 150);
-    EXPECT_FLOAT_EQ(a.AsDisplayFloat(), 150);
-    EXPECT_FLOAT_EQ(a.AsDisplayFloat(2), 200);
-    EXPECT_FLOAT_EQ(a.AsInternalFloat(200), 2);
-    EXPECT_FLOAT_EQ(a.SetDisplayFloat(30).Float(), 0.3f);
-    EXPECT_EQ(a.DisplayValue(), L"30.00");
+// The number of an attribute's unit is read as a unit code: an angle, 5, as a length, and a length, 2, as nothing.
+TEST_F(AttributeDisplay, UnitNumbersPassAsTheyAreSoThatAnAngleConvertsLikeALength) {
+    time().LinearUnits().SetEnumeration(1);  // centimetres
+    XJoint const joint(make(L"Joint"));
+    XAttribute angle = joint.RotationX(), length = joint.TranslationX();
+    ASSERT_EQ(angle.Units(), int(LengthUnit));
+    angle.SetFloat(1.5f);
+    EXPECT_FLOAT_EQ(angle.DisplayFloat(), 150);
+    EXPECT_FLOAT_EQ(angle.AsDisplayFloat(), 150);
+    EXPECT_FLOAT_EQ(angle.AsDisplayFloat(2), 200);
+    EXPECT_FLOAT_EQ(angle.AsInternalFloat(200), 2);
+    EXPECT_FLOAT_EQ(angle.SetDisplayFloat(30).Float(), 0.3f);
+    EXPECT_EQ(angle.DisplayValue(), L"30.00");
+    EXPECT_EQ(length.SetFloat(1.5f).DisplayFloat(), 1.5f);
+    EXPECT_EQ(length.SetDisplayFloat(30).Float(), 30);
+}
+
+TEST_F(AttributeDisplay, DoublesKeepTheirDigits) {
+    XAttribute a(named(L"object").getNode()->addDynamic(db::AttributeType::Double, L"d"));
+    EXPECT_EQ(a.SetDisplayDouble(0.1).Double(), 0.1);
+    EXPECT_EQ(a.DisplayDouble(), 0.1);
 }
 
 TEST_F(AttributeDisplay, WithoutADatabaseValuesStayAsTheyAre) {

@@ -54,9 +54,6 @@ public:
     }
     bool queryIsEditable(XObject const&) const override { return editable; }
     bool queryIsCopyable(XObject const&) const override { return copyable; }
-    void ConvertUnits(sg::AttributeUnit unit, XUnitConversionType direction, float& value) override {
-        if (unit == sg::Linear) value *= direction == ToExternalUnits ? 100.0f : 0.01f;
-    }
 
     bool editable = true, copyable = true;
 };

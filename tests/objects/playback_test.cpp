@@ -197,10 +197,13 @@ TEST_F(Playback, TheNextFrameIsAWholeOneWithinTheRange) {
                           {0, 3, 24, 1.00001f * frame, 2 * frame},
                           {0, 3, 24, 0.99f * frame, frame},
                           {0, 3, 24, 71 * frame, 3},
-                          {0, 3, 24, 3, 0},  // from the last frame to the first
-                          {1, 3, 24, 3, 1},
+                          {0, 3, 24, 3, frame},  // the ends of the range are one moment: one step past the start
+                          {1, 3, 24, 3, 1 + frame},
                           {0, 0.7f, 30, 20 / 30.0f, 0.7f},  // 0.7f is a little less than frame 21
-                          {0, 0.7f, 30, 0.7f, 0},
+                          {0, 0.7f, 30, 0.7f, 1 / 30.0f},
+                          {0, 23 * frame, 24, 22 * frame, 23 * frame},  // an end that rounding has put before its frame
+                          {0.5f * frame, 2.5f * frame, 24, 2 * frame, frame},  // an end between frames is passed over
+                          {0, 3, 24, 2.999f, 3},
                           {-1, 1, 24, -0.5f * frame, 0},
                           {0, 3, 24, 10, 10 + frame - 3},  // outside to begin with
                           {0, 3, 1, 1.5f, 2}}) {
@@ -219,8 +222,10 @@ TEST_F(Playback, ThePreviousFrameIsTheMirror) {
                           {0, 3, 24, 2.00001f * frame, frame},
                           {0, 3, 24, 1.99999f * frame, frame},
                           {0, 3, 24, frame, 0},
-                          {0, 3, 24, 0, 3},
-                          {1, 3, 24, 1, 3},
+                          {0, 3, 24, 0, 3 - frame},
+                          {1, 3, 24, 1, 3 - frame},
+                          {0.5f * frame, 2.5f * frame, 24, frame, 2 * frame},
+                          {0, 3, 24, 0.001f, 0},
                           {-1, 1, 24, 0, -frame},
                           {0, 3, 24, -1, -1 - frame + 3}}) {
         range(s.start, s.end, s.rate);
@@ -230,7 +235,9 @@ TEST_F(Playback, ThePreviousFrameIsTheMirror) {
     }
 }
 
-TEST_F(Playback, SteppingThroughTheRangeVisitsEveryFrameOnce) {
+// The end of the range and its start are one moment of the cycle: of the two, the way forward shows the end and the way
+// back the start.
+TEST_F(Playback, SteppingThroughTheRangeVisitsEveryFrameOnceACycle) {
     for (int rate : {1, 24, 25, 30, 50, 60, 120}) {
         range(0, 3, rate);
         at(0);
@@ -239,10 +246,10 @@ TEST_F(Playback, SteppingThroughTheRangeVisitsEveryFrameOnce) {
             ASSERT_NEAR(now() * float(rate), float(i), 1e-3) << rate;
         }
         scene().GoToNextFrame();
-        EXPECT_EQ(now(), 0);
-        for (int i = 3 * rate; i >= 0; --i) {
+        EXPECT_NEAR(now() * float(rate), 1, 1e-3) << rate;
+        for (int i = 0; i > -3 * rate; --i) {
             scene().GoToPreviousFrame();
-            ASSERT_NEAR(now() * float(rate), float(i), 1e-3) << rate;
+            ASSERT_NEAR(now() * float(rate), float(i == 0 ? 0 : 3 * rate + i), 1e-3) << rate;
         }
     }
 }
