@@ -21,7 +21,7 @@ struct ElementBlock;
 struct Slot;
 
 // The value classes, each with the kind that it alone has. The list drives as...() and is...().
-#define DB_VALUE_KINDS(X)                                                                                              \
+#define DB_ROW_KINDS(X)                                                                                                \
     X(Int, IntAttribute, Integer)                                                                                      \
     X(Bool, BoolAttribute, Boolean)                                                                                    \
     X(Enum, EnumAttribute, Enumeration)                                                                                \
@@ -43,8 +43,8 @@ struct Slot;
     X(PointerArray, PointerArrayAttribute, PointerArray)                                                               \
     X(QuaternionArray, QuaternionArrayAttribute, QuaternionArray)                                                      \
     X(NodeContainer, NodeContainer, NodeContainer)                                                                     \
-    X(AttributeArray, AttributeArray, AttributeArray)                                                                  \
-    X(Node, Node, Node)
+    X(AttributeArray, AttributeArray, AttributeArray)
+#define DB_VALUE_KINDS(X) DB_ROW_KINDS(X) X(Node, Node, Node)
 
 #define DB_DECLARE(name, type, kind) class type;
 DB_VALUE_KINDS(DB_DECLARE)
