@@ -150,7 +150,7 @@ public:
     int row() const { return int(bits_ >> numberShift & 1023); }
     Slot* anchor() const;  // of its block: what handles attach to
 
-    bool noteWrite();  // what beforeWrite() does the first time
+    bool noteWrite();                   // what beforeWrite() does the first time
     bool noteWrite(std::uint64_t old);  // of a value that fits the word
 
 protected:
@@ -169,6 +169,7 @@ protected:
     }
 
 private:
+    bool note(std::uint64_t old);
     void valueChanged();
     void refreshValue() const;
 
