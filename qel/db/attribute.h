@@ -169,6 +169,7 @@ protected:
     }
 
 private:
+    bool note(std::uint64_t old);
     void valueChanged();
     void refreshValue() const;
 

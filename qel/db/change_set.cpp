@@ -61,8 +61,8 @@ void ChangeSet::enter(std::vector<Node*>& list, Node& n, std::uint8_t bit) {
     list.push_back(&n);
 }
 
-void ChangeSet::close() {
-    for (Attribute* a : attributes_) a->clear(Attribute::listed);
+void ChangeSet::close(std::uint32_t flags) {
+    for (Attribute* a : attributes_) a->clear(flags);
     for (Node* n : touched_) n->clear(Attribute::listed), n->listedAs_ = 0;
 }
 

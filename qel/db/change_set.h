@@ -47,13 +47,14 @@ public:
     void addRenamed(Node& n) { enter(renamed_, n, 4); }
     void addReparented(Node& n) { enter(reparented_, n, 8); }
     void forgetRemovedAttributes() { removedAttributes_.clear(); }
-    void close();  // clears the flags of all that is listed: the set is complete
+    void close(std::uint32_t flags);  // the set is complete: clears them, `listed` among them, of all that is listed
     void reset();
     bool holds(Attribute const& a) const {
         return std::find(attributes_.begin(), attributes_.end(), &a) != attributes_.end();
     }
 
 private:
+    friend class Attribute;  // enters itself when it is written
     void enter(std::vector<Node*>& list, Node& n, std::uint8_t bit);
 
     std::vector<Attribute*> attributes_, removedAttributes_;

@@ -113,27 +113,35 @@ void Database::commitTransient() {
     endChangeBlock({});
 }
 
-bool Attribute::noteWrite() { return node().database_->noteWrite(*this); }
-bool Attribute::noteWrite(std::uint64_t old) { return node().database_->noteWrite(*this, old); }
-
-bool Database::noteWrite(Attribute& a) {
-    if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
-    if (!a.has(Attribute::recorded)) {
-        journal_.push_back({&a, a.remember()});
-        a.set(Attribute::recorded);
-    }
-    set_->addAttribute(a);
+// Keeps the old value and lists the attribute, once each.
+bool Attribute::note(std::uint64_t old) {
+    if (isRemoved()) return false;
+    Database& d = *node().database_;
+    if (!has(recorded)) d.journal_.push_back({this, old});
+    if (!has(listed)) d.set_->attributes_.push_back(this);
+    set(recorded | listed);
     return true;
 }
 
-bool Database::noteWrite(Attribute& a, std::uint64_t old) {
-    if (a.has(Attribute::outside) ? a.isRemoved() : a.node().removed_) return false;
-    if (!a.has(Attribute::recorded)) {
-        journal_.push_back({&a, old});
-        a.set(Attribute::recorded);
+bool Attribute::noteWrite() {
+    if (isRemoved()) return false;
+    return note(has(recorded) ? 0 : remember());
+}
+
+// The usual case needs no call: a part of a node, neither recorded nor listed, and the lists have room.
+bool Attribute::noteWrite(std::uint64_t old) {
+    if (!has(outside | recorded | listed)) [[likely]] {
+        Node& n = *reinterpret_cast<Node*>(start());
+        std::vector<Record>& journal = n.database_->journal_;
+        std::vector<Attribute*>& list = n.database_->set_->attributes_;
+        if (!n.removed_ && journal.size() != journal.capacity() && list.size() != list.capacity()) [[likely]] {
+            set(recorded | listed);
+            journal.push_back({this, old});
+            list.push_back(this);
+            return true;
+        }
     }
-    set_->addAttribute(a);
-    return true;
+    return note(old);
 }
 
 void Database::record(std::unique_ptr<Edit> edit) {
@@ -163,9 +171,8 @@ void Database::relistJournal() {
     }
 }
 
+// All that is in the journal is listed too: the telling clears both flags in one pass.
 void Database::storeItem(std::wstring const& label) {
-    for (Record const& r : journal_)
-        if (r.subject) r.subject->clear(Attribute::recorded);
     blockStart_ = 0;
     if (journal_.empty()) return;
     dropRedo();
@@ -191,7 +198,7 @@ void Database::tell(bool transient) {
     }
     for (Retired& r : retired_) r.told = true;
     customiseChangeSet(*told);
-    told->close();
+    told->close(transient ? Attribute::listed : Attribute::listed | Attribute::recorded);
     ++telling_;
     if (telling_ <= mostNestedTellings) {
         notifyObservers(*told, transient);

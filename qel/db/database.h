@@ -106,8 +106,6 @@ public:
     void setLogger(Qelutils::BasicLogger* sink) { logger_ = sink, observers_.setLogger(sink); }
 
     // ---- for the classes of this library and the graph ----
-    bool noteWrite(Attribute& a, std::uint64_t old);  // of a value that fits a record
-    bool noteWrite(Attribute& a);  // keeps its old value and lists it, once each; false: it is removed
     void record(std::unique_ptr<Edit> edit);
     ChangeSet& changes() { return *set_; }
     bool isReplaying() const { return replaying_; }

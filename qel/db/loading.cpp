@@ -50,7 +50,7 @@ void Database::adopt(Database& other) {
     lastChild_ = std::exchange(other.lastChild_, nullptr);
     childCount_ = std::exchange(other.childCount_, 0);
     childIndex_.reset();
-    other.set_->close();  // nobody is told of what was done there
+    other.set_->close(Attribute::listed);  // nobody is told of what was done there
     other.set_->reset();
     std::vector<Node*> all;
     listNodes(all);

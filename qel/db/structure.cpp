@@ -288,7 +288,7 @@ void Database::renameNode(Node& n, std::wstring const& wanted) {
 
 void Database::giveName(Node& n, std::wstring name) {
     if (name == n.getNodeName()) return;
-    noteWrite(n.nameAttribute());
+    n.nameAttribute().noteWrite();
     reindexName(n, name);
     if (n.nameAttribute().has(Attribute::feeds)) n.valueChanged(n.nameAttribute());
 }

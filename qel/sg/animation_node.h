@@ -72,10 +72,11 @@ private:
     void computeBounds();
     void computeBatch();
 
-    alignas(64) Input inputRoom_[1];
-    unsigned hint_ = 0;
+    // One cache line: a frame touches it, the node's state and the three hot attributes, and the keys.
+    alignas(64) unsigned hint_ = 0;
     bool isRotationCurve_ = false;
-    PreparedCurve curve_;
+    Input inputRoom_[1];
+    PreparedCurve curve_;  // its first 24 bytes
     std::vector<Qelp::Quat> rotations_;
 };
 

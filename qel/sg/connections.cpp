@@ -81,8 +81,9 @@ void Scene::attach(db::Attribute& from, db::Attribute& to, Connection* connectio
     sg::Node &s = nodeOf(from), &t = nodeOf(to);
     OutGroup& g = takeGroup(s, from, !connection);
     bool const passes = !ownBit(to) && t.groupOf(to);
+    std::uint32_t const kind = from.isFloat() && to.isFloat() ? Input::floats : 0u;
     std::size_t const last =
-        t.addInput({&s, &from, &to, outputBits(from), affects(to) | (passes ? Input::passes : 0u)});
+        t.addInput({&s, &from, &to, outputBits(from), affects(to) | kind | (passes ? Input::passes : 0u)});
     t.places.push_back({std::uint32_t(&g - s.outputs.data()), std::uint32_t(g.edges.size()), connection});
     g.edges.push_back({&t, std::uint32_t(last)});
     if (edge >= 0 && std::size_t(edge) + 1 < g.edges.size()) {

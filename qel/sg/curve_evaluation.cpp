@@ -62,8 +62,14 @@ float toFloat(double value) { return float(std::clamp(value, -largest, largest))
 
 // ---- order
 
-void PreparedCurve::update(CurveKeys const& keys) {
+void PreparedCurve::setKeys(CurveKeys const& keys) {
     m_keys = keys;
+    m_x = keys.inputs;
+    m_y = keys.outputs;
+}
+
+void PreparedCurve::update(CurveKeys const& keys) {
+    setKeys(keys);
     if (rises()) {
         m_order.clear();
         m_sorted.clear();
@@ -78,13 +84,13 @@ void PreparedCurve::update(CurveKeys const& keys) {
 }
 
 void PreparedCurve::rebind(CurveKeys const& keys) {
-    m_keys = keys;
+    setKeys(keys);
     finish();
 }
 
 void PreparedCurve::insertKey(CurveKeys const& keys, unsigned slot) {
     if (keys.count != m_keys.count + 1 || slot >= keys.count) return update(keys);
-    m_keys = keys;
+    setKeys(keys);
     m_isLinear = m_isLinear && isLinearKey(slot);
     if (isIdentity()) {
         if (standsInOrder(slot)) return finish(slot);
@@ -97,7 +103,7 @@ void PreparedCurve::insertKey(CurveKeys const& keys, unsigned slot) {
 
 void PreparedCurve::removeKey(CurveKeys const& keys, unsigned slot) {
     if (keys.count + 1 != m_keys.count || slot > keys.count) return update(keys);
-    m_keys = keys;
+    setKeys(keys);
     if (!isIdentity()) {
         auto const found = std::find(m_order.begin(), m_order.end(), slot);
         m_sorted.erase(m_sorted.begin() + (found - m_order.begin()));
@@ -109,7 +115,7 @@ void PreparedCurve::removeKey(CurveKeys const& keys, unsigned slot) {
 
 void PreparedCurve::keyChanged(CurveKeys const& keys, unsigned slot) {
     if (keys.count != m_keys.count || slot >= keys.count) return update(keys);
-    m_keys = keys;
+    setKeys(keys);
     m_isLinear = m_isLinear && isLinearKey(slot);
     if (isIdentity()) {
         if (standsInOrder(slot)) return finish(slot);

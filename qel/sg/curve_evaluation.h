@@ -94,7 +94,7 @@ public:
 
     // `external` is the value of segments whose interpolation is external.
     float evaluate(float input, unsigned& hint, float external = 0) const {
-        float const* const x = m_keys.inputs;
+        float const* const x = m_x;
         unsigned i = hint;
         if (i < m_plainSegments && x[i] <= input) {
             if (!(input < x[i + 1])) ++i;
@@ -144,6 +144,7 @@ private:
     void insertSorted(unsigned slot);
     void finish(unsigned changedRank);
     void finish();
+    void setKeys(CurveKeys const&);
 
     float const* sortedInputs() const { return isIdentity() ? m_keys.inputs : m_sorted.data(); }
     double input(unsigned rank) const { return sortedInputs()[rank]; }
@@ -162,8 +163,8 @@ private:
 
     // In a plain segment, where ranks are slots.
     float blend(unsigned i, float input) const {
-        double const x0 = m_keys.inputs[i], y0 = m_keys.outputs[i];
-        return float(y0 + (input - x0) / (m_keys.inputs[i + 1] - x0) * (m_keys.outputs[i + 1] - y0));
+        double const x0 = m_x[i], y0 = m_y[i];
+        return float(y0 + (input - x0) / (m_x[i + 1] - x0) * (m_y[i + 1] - y0));
     }
     float evaluateAny(float input, unsigned& hint, float external) const;
     template<class Input> double inside(Input, unsigned& hint, double external) const;
@@ -184,6 +185,8 @@ private:
     void addTurn(double cycle, double from, double to, double tolerance, Points&) const;
     void addOutside(double from, double to, double tolerance, Points&) const;
 
+    // A sample of a plain segment touches only these, so that they may share a cache line with what the owner needs.
+    float const *m_x = nullptr, *m_y = nullptr;  // inputs and outputs of m_keys
     unsigned m_plainSegments = 0;   // count - 1 if the keys rise strictly in slot order and all are linear, otherwise 0
     unsigned m_used = 0;            // keys with a finite input: the ranks that evaluation reads
     CurveKeys m_keys;               // as last told

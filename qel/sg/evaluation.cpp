@@ -80,7 +80,7 @@ bool canCarry(db::Attribute const& from, db::Attribute const& to) {
            f != AttributeType::Node;
 }
 
-void carryAny(db::Attribute const& from, db::Attribute& to) {
+void carry(db::Attribute const& from, db::Attribute& to) {
     if (isNumber(to.getAttributeType()))
         writeNumber(to, readNumber(from));
     else
@@ -101,8 +101,7 @@ void Scene::push(sg::Node& n, db::Attribute& a) {
     std::uint64_t const bits = affects(a) | (isOutput ? 1u << a.getDef().outputBit : 0);
     std::uint64_t const fresh = bits & ~n.dirty;
     n.dirty |= fresh;
-    stack_.clear();
-    if (fresh) queue(n, fresh);
+    if (fresh) pushOutputs(n, fresh);
     if (!isOutput) {
         int const input = a.has(db::Attribute::live) ? n.inputOf(a) : -1;
         if (input >= 0) n.setStale(std::size_t(input));  // what flows in holds, not what was written
@@ -122,12 +121,16 @@ void Scene::queue(sg::Node& n, db::Attribute const& plain) {
         if (g.from == &plain) stack_.push_back(&g);
 }
 
-void Scene::spread() {
+// The number of edges it went along.
+std::size_t Scene::spread() {
+    std::size_t walked = 0;
     while (!stack_.empty()) {
         OutGroup* const g = stack_.back();
         stack_.pop_back();
+        walked += g->edges.size();
         pushEdges(*g);
     }
+    return walked;
 }
 
 void Scene::pushEdges(OutGroup& g) {
@@ -149,23 +152,64 @@ void Scene::pushGroup(OutGroup& g) {
             g.lastStructure = structure_;
             return pushEdges(g);
         }
-        makePlan(g);
+        makePlan(g.plan, {&g}, SIZE_MAX);
     }
-    if (!markLogged(g.plan)) markAll(g.plan);
-    if (log_.size() > longLog) forgetLog();
-    g.plan.pushed = evaluations_;
+    if (!isLogUseful(g.plan) || !markLogged(g.plan)) markAll(g.plan);
+    if (logAt_ - log_.data() > std::ptrdiff_t(longLog)) forgetLog();
+    g.plan.pushed = evaluations();
+}
+
+// These outputs have just gone out of date.
+void Scene::pushOutputs(sg::Node& n, std::uint64_t bits) {
+    Repeated& r = repeated_;
+    bool const again = r.node == &n && r.bits == bits && r.structure == structure_;
+    if (!again || !markRepeated()) {
+        queue(n, bits);
+        std::size_t const walked = spread();
+        if (!again) r.node = &n, r.bits = bits, r.structure = structure_, r.walked = walked, r.plan.structure = 0;
+    }
+    r.plan.pushed = evaluations();
+}
+
+// By the plan, where that is no more work than to walk until everything is marked. False: nothing is done.
+bool Scene::markRepeated() {
+    Plan& plan = repeated_.plan;
+    if (repeated_.walked == 0) return false;
+    if (plan.structure != structure_) {
+        std::vector<OutGroup const*> from;
+        for (OutGroup const& g : repeated_.node->outputs)
+            if (g.bit & repeated_.bits) from.push_back(&g);
+        if (!makePlan(plan, std::move(from), 2 * repeated_.walked)) return repeated_.walked = 0, false;
+        plan.isNumbered = plan.late.empty();
+    }
+    if (isLogUseful(plan)) return markLogged(plan);
+    bool const mostWasRead = evaluations() - plan.pushed > plan.steps.size() / 2;
+    if (mostWasRead) markAll(plan);
+    return mostWasRead;
+}
+
+void Scene::growLog() {
+    if (log_.size() >= mostLogged) return forgetLog();
+    std::ptrdiff_t const used = logAt_ - log_.data();
+    log_.resize(std::max<std::size_t>(64, 2 * log_.size()));
+    logAt_ = log_.data() + used;
+    logEnd_ = log_.data() + log_.size();
+}
+
+// False when the log cannot tell, or when to go through the plan is no more work.
+bool Scene::isLogUseful(Plan const& plan) const {
+    return plan.isNumbered && plan.pushed >= logStart_ && evaluations() - plan.pushed <= plan.steps.size() / 2;
 }
 
 // What nobody has read since the last push still bears its marks, so that one character of a hundred costs what one
-// costs alone. False when the log cannot tell, or when to go through the plan is no more work.
+// costs alone. False, and nothing marked, when another plan reaches one of the nodes too.
 bool Scene::markLogged(Plan& plan) {
-    std::uint64_t const missed = evaluations_ - plan.pushed;
-    if (!plan.isNumbered || plan.pushed < logStart_ || missed > plan.steps.size() / 2) return false;
-    for (std::size_t i = log_.size() - std::size_t(missed); i < log_.size(); ++i) {
-        sg::Node& n = *log_[i];
+    sg::Node** const from = logAt_ - (evaluations() - plan.pushed);
+    plan.isNumbered = std::all_of(from, logAt_, [&](sg::Node* n) { return n->planID == 0 || n->planID == plan.id; });
+    if (!plan.isNumbered) return false;
+    for (sg::Node** at = from; at < logAt_; ++at) {
+        sg::Node& n = **at;
         if (n.planID == 0) continue;
-        plan.isNumbered = n.planID == plan.id;  // otherwise another plan reaches it too
-        if (!plan.isNumbered) return false;
         n.dirty |= plan.steps[n.planIndex].dirty;
         n.stale |= plan.steps[n.planIndex].stale;
     }
@@ -188,12 +232,12 @@ void Scene::markAll(Plan& plan) {
     plan.isNumbered = plan.late.empty();  // steps do not tell which of the late inputs are theirs
 }
 
-void Scene::makePlan(OutGroup& g) {
-    Plan& plan = g.plan;
+// What lies downstream of all these. False, and no plan, beyond `mostSteps`.
+bool Scene::makePlan(Plan& plan, std::vector<OutGroup const*> work, std::size_t mostSteps) {
+    plan.structure = 0;
     plan.steps.clear();
     plan.late.clear();
     std::uint32_t const mark = ++mark_;
-    std::vector<OutGroup const*> work{&g};
     plan.id = ++lastPlanID_;
     auto reach = [&](Edge const& e) {
         sg::Node& t = *e.target;
@@ -214,13 +258,15 @@ void Scene::makePlan(OutGroup& g) {
         for (OutGroup const& o : t.outputs)
             if ((o.bit & now) || ((in.affects & Input::passes) && o.from == in.to)) work.push_back(&o);
     };
-    while (!work.empty()) {
+    while (!work.empty() && plan.steps.size() <= mostSteps) {
         OutGroup const& o = *work.back();
         work.pop_back();
         for (Edge const& e : o.edges) reach(e);
     }
+    if (plan.steps.size() > mostSteps) return false;
     plan.structure = structure_;
     plan.isNumbered = false;
+    return true;
 }
 
 // ---- chains too deep to recurse into ----

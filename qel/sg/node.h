@@ -23,9 +23,10 @@ class Connection;
 // A connected input, beside the node that reads it.
 struct Input {
     // `affects` holds, above the outputs, what is particular to this input:
-    static constexpr std::uint32_t passes = 1u << 31;        // its attribute feeds others itself
-    static constexpr std::uint32_t lateStale = 1u << 30;     // stale, of inputs from the 64th on
-    static constexpr std::uint32_t outputs = lateStale - 1;  // the bits of our outputs that depend on it
+    static constexpr std::uint32_t passes = 1u << 31;     // its attribute feeds others itself
+    static constexpr std::uint32_t lateStale = 1u << 30;  // stale, of inputs from the 64th on
+    static constexpr std::uint32_t floats = 1u << 29;     // one float to another, the usual case
+    static constexpr std::uint32_t outputs = floats - 1;  // the bits of our outputs that depend on it
 
     Node* source;
     db::Attribute *from, *to;
@@ -143,13 +144,7 @@ private:
 inline constexpr std::size_t roomOffset = (sizeof(Node) + 63) / 64 * 64;
 
 // Takes a value over, converting between the kinds of number. The kinds are known to match or convert.
-void carryAny(db::Attribute const& from, db::Attribute& to);
-inline void carry(db::Attribute const& from, db::Attribute& to) {
-    if (from.isFloat() && to.isFloat()) [[likely]]
-        static_cast<db::FloatAttribute&>(to).raw() = static_cast<db::FloatAttribute const&>(from).raw();
-    else
-        carryAny(from, to);
-}
+void carry(db::Attribute const& from, db::Attribute& to);
 bool canCarry(db::Attribute const& from, db::Attribute const& to);
 
 class NodeHandle : public db::NodeHandle {

@@ -248,7 +248,7 @@ constexpr Rows animationRows = {
     floats(31, L"KeyframeOutTangentsX").affects(keyed), floats(32, L"KeyframeOutTangentsY").affects(keyed),
     enumerationArray(33, L"KeyframeInterpolations", interpolations, 1).affects(keyed),
     enumerationArray(34, L"KeyframeContinuities", continuities, 1).affects(keyed),
-    real(35, L"ExternalValue").affects(results).doc(L"The value of segments whose interpolation is external."),
+    real(35, L"ExternalValue").affects(results).hot().doc(L"The value of segments whose interpolation is external."),
     boolean(36, L"KeysPrepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(0).affects(keyed & ~A::keysBit),
 };
 static_assert(isSound(animationRows, 8));

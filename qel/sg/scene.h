@@ -58,25 +58,26 @@ public:
     void removeInvalidConnections();  // those with an end that is gone
 
     // ---- figures, for tests and benchmarks ----
-    std::uint64_t evaluations() const { return evaluations_; }
+    std::uint64_t evaluations() const { return logStart_ + std::uint64_t(logAt_ - log_.data()); }
     std::uint64_t structureVersion() const { return structure_; }
 
     // ---- for the nodes ----
     void attach(db::Attribute& from, db::Attribute& to, Connection* connection, std::int64_t edge, std::int64_t input);
     std::pair<std::uint32_t, std::uint32_t> detach(db::Attribute& to);
     void push(sg::Node& n, db::Attribute& a);
-    static constexpr int mostDepth = 200;  // beyond it evaluation goes on without recursion
+    // Beyond it evaluation goes on without recursion, at twice the cost. A level takes some 110 bytes of the stack.
+    static constexpr int mostDepth = 1024;
     void updateDeep(sg::Node& n, std::uint64_t bits) { evaluateDeep({&n, bits, -1}); }
     void refreshDeep(sg::Node& n, int input) { evaluateDeep({&n, 0, input}); }
     // `n` has come up to date: what the next push has to mark again.
     void noteEvaluation(sg::Node& n) {
-        ++evaluations_;
-        log_.push_back(&n);
-        if (log_.size() >= mostLogged) forgetLog();
+        if (logAt_ == logEnd_) [[unlikely]]
+            growLog();
+        *logAt_++ = &n;
     }
     void forgetLog() {  // also when a node in it goes
-        log_.clear();
-        logStart_ = evaluations_;
+        logStart_ = evaluations();
+        logAt_ = log_.data();
     }
     // Would a value that flows from the one to the other come back to where it starts? Attribute by attribute: a.tx to
     // b.tx and b.world to a matrix of a that does not move tx is legal. Every parent of a node counts, as its world
@@ -104,20 +105,31 @@ private:
     void evaluateDeep(Task const& root);
     void needSource(sg::Node& n, std::size_t input);
     void pushGroup(OutGroup& g);
+    void pushOutputs(sg::Node& n, std::uint64_t bits);
+    bool markRepeated();
     void pushEdges(OutGroup& g);
     void queue(sg::Node& n, std::uint64_t bits);
     void queue(sg::Node& n, db::Attribute const& plain);
-    void spread();
-    void makePlan(OutGroup& g);
+    std::size_t spread();
+    bool makePlan(Plan& plan, std::vector<OutGroup const*> work, std::size_t mostSteps);
+    bool isLogUseful(Plan const& plan) const;
     bool markLogged(Plan& plan);
     void markAll(Plan& plan);
     void refuse(wchar_t const* why, db::Attribute const* from, db::Attribute const* to, bool quiet) const;
 
     std::uint64_t structure_ = 1;  // moves on with each connection made or broken
-    std::uint64_t evaluations_ = 0;
     static constexpr std::size_t mostLogged = 1 << 20, longLog = 1 << 12;
-    std::vector<sg::Node*> log_;  // what was evaluated after the first logStart_ evaluations, in order
+    void growLog();
+    std::vector<sg::Node*> log_;  // up to logAt_: what was evaluated after the first logStart_ evaluations, in order
+    sg::Node **logAt_ = nullptr, **logEnd_ = nullptr;
     std::uint64_t logStart_ = 0;
+    // The outputs that were pushed last: a drag pushes the same ones with each event.
+    struct Repeated {
+        sg::Node* node = nullptr;
+        std::uint64_t bits = 0, structure = 0;
+        std::size_t walked = 0;  // edges, the first time; 0: a plan would take more steps than walking does
+        Plan plan;
+    } repeated_;
     std::uint32_t lastPlanID_ = 0;
     std::vector<OutGroup*> stack_;
     std::vector<Task> deep_;
@@ -133,7 +145,6 @@ inline void Node::prefetchSources() const {
         Input const& i = inputs[std::size_t(__builtin_ctzll(s))];
         __builtin_prefetch(i.source, 1);
         __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset, 1);
-        __builtin_prefetch(reinterpret_cast<char const*>(i.source) + roomOffset + 64, 1);
         __builtin_prefetch(i.from, 1);
     }
 }
@@ -143,7 +154,10 @@ inline void Node::takeOver(Input& i, int depth) {
         if (i.source->dirty & i.sourceBits) i.source->update(i.sourceBits, depth + 1);
     } else if (i.from->has(db::Attribute::live))
         i.source->refreshPlain(*i.from, depth + 1);
-    carry(*i.from, *i.to);
+    if (i.affects & Input::floats) [[likely]]
+        static_cast<db::FloatAttribute&>(*i.to).raw() = static_cast<db::FloatAttribute const&>(*i.from).raw();
+    else
+        carry(*i.from, *i.to);
 }
 
 inline void Node::update(std::uint64_t bits, int depth) {
@@ -151,12 +165,14 @@ inline void Node::update(std::uint64_t bits, int depth) {
     if (!todo) return;
     if (depth > Scene::mostDepth) return graph().updateDeep(*this, bits);
     if (stale & (stale - 1)) prefetchSources();
+    std::uint64_t taken = 0;
     for (std::uint64_t s = stale & ~lateBit; s; s &= s - 1) {
         Input& i = inputs[std::size_t(__builtin_ctzll(s))];
         if (!(i.affects & todo)) continue;
         takeOver(i, depth);
-        stale &= ~(s & -s);
+        taken |= s & -s;
     }
+    stale &= ~taken;
     if (stale & lateBit) takeOverLate(todo, depth);
     dirty &= ~todo;
     graph().noteEvaluation(*this);

@@ -2,6 +2,7 @@
 // afterwards is right.
 #include "qel/sg/scene.h"
 #include <gtest/gtest.h>
+#include <numeric>
 #include <random>
 
 namespace sg {
@@ -87,6 +88,40 @@ TEST_F(FrameMarksTest, RandomClocksAndReadsGiveWhatTheClocksSay) {
         std::size_t const i = number(joints.size());
         for (int axis = 0; axis < 2; ++axis)
             ASSERT_EQ(world(*joints[i], axis), float(i % length + 1) * now[axis]) << "step " << step;
+    }
+}
+
+// A drag pushes one joint's outputs again and again, between them the clocks and other joints, and reads few or many.
+// The second clock reaches only the lower half of each chain, so that plans overlap in part.
+TEST_F(FrameMarksTest, RandomDragsAndReadsGiveWhatWasWritten) {
+    unsigned const seed = 7;
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    auto number = [&](std::size_t limit) { return std::size_t(random() % limit); };
+    constexpr std::size_t length = 40, half = length / 2;
+    for (int i = 0; i < 3; ++i) addChain(*clocks[0], int(length));
+    for (std::size_t i = 0; i < joints.size(); ++i)
+        if (i % length >= half) drive(*clocks[1], *joints[i], TransformNode::Translation + 1);
+    std::vector<float> z(joints.size());
+    std::size_t dragged = 0;
+    float now[2] = {0, 0};
+    for (int step = 0; step < 4000; ++step) {
+        if (number(20) == 0) dragged = number(joints.size());
+        std::size_t const moved = number(10) == 0 ? number(joints.size()) : dragged;
+        joints[moved]->at<db::FloatAttribute>(TransformNode::Translation + 2).setValue(z[moved] = float(number(100)));
+        if (number(10) == 0) {
+            std::size_t const c = number(5) > 0;
+            time(*clocks[c]).setValue(now[c] = float(number(100)));
+        }
+        if (number(200) == 0) joints[number(joints.size())]->addChild(*scene.makeNode(L"Joint", L"leaf"));
+        for (std::size_t reads = number(4) == 0 ? 30 : number(3); reads > 0; --reads) {
+            std::size_t const i = number(joints.size()), first = i - i % length;
+            float const sum = std::accumulate(z.begin() + long(first), z.begin() + long(i) + 1, 0.F);
+            ASSERT_EQ(world(*joints[i], 2), sum) << "step " << step;
+            ASSERT_EQ(world(*joints[i], 0), float(i % length + 1) * now[0]) << "step " << step;
+            std::size_t const moving = i % length < half ? 0 : i % length - half + 1;
+            ASSERT_EQ(world(*joints[i], 1), float(moving) * now[1]) << "step " << step;
+        }
     }
 }
 
