@@ -1,5 +1,5 @@
 // The root of the library. The host obtains the one XApplication with Instance, starts it with Startup, and reaches
-// scenes, settings, scripts, plug-ins and the log through it. It runs no loop of its own: the host calls Update once
+// scenes, settings, script engines and the log through it. It runs no loop of its own: the host calls Update once
 // per cycle and NotifyOnIdle when idle.
 //
 // Three phases: constructed (only Instance, Startup and the log calls mean anything, and the log is silent), started
