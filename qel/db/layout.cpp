@@ -10,25 +10,32 @@ namespace {
 template<class F> auto withClass(AttributeType type, F const& f) {
     switch (type) {
 #define DB_CASE(name, class_, kind)                                                                                    \
-    case AttributeType::kind:                                                                                          \
-        return f(static_cast<class_*>(nullptr));
+    case AttributeType::kind: return f(static_cast<class_*>(nullptr));
+// clang-format off
 #define DB_ROW_KINDS(X)                                                                                                \
     X(Int, IntAttribute, Integer)                                                                                      \
     X(Bool, BoolAttribute, Boolean)                                                                                    \
     X(Enum, EnumAttribute, Enumeration)                                                                                \
     X(Float, FloatAttribute, Float)                                                                                    \
-    X(Double, DoubleAttribute, Double) X(String, StringAttribute, String) X(Vector3, Vector3Attribute, Vector3)        \
-        X(Matrix34, Matrix34Attribute, Matrix) X(Pointer, PointerAttribute, Pointer)                                   \
-            X(Quaternion, QuaternionAttribute, Quaternion) X(IntArray, IntArrayAttribute, IntegerArray)                \
-                X(BoolArray, BoolArrayAttribute, BooleanArray) X(EnumArray, EnumArrayAttribute, EnumerationArray)      \
-                    X(FloatArray, FloatArrayAttribute, FloatArray) X(DoubleArray, DoubleArrayAttribute, DoubleArray)   \
-                        X(StringArray, StringArrayAttribute, StringArray)                                              \
-                            X(Vector3Array, Vector3ArrayAttribute, Vector3Array)                                       \
-                                X(Matrix34Array, Matrix34ArrayAttribute, MatrixArray)                                  \
-                                    X(PointerArray, PointerArrayAttribute, PointerArray)                               \
-                                        X(QuaternionArray, QuaternionArrayAttribute, QuaternionArray)                  \
-                                            X(NodeContainer, NodeContainer, NodeContainer)                             \
-                                                X(AttributeArray, AttributeArray, AttributeArray)
+    X(Double, DoubleAttribute, Double)                                                                                 \
+    X(String, StringAttribute, String)                                                                                 \
+    X(Vector3, Vector3Attribute, Vector3)                                                                              \
+    X(Matrix34, Matrix34Attribute, Matrix)                                                                             \
+    X(Pointer, PointerAttribute, Pointer)                                                                              \
+    X(Quaternion, QuaternionAttribute, Quaternion)                                                                     \
+    X(IntArray, IntArrayAttribute, IntegerArray)                                                                       \
+    X(BoolArray, BoolArrayAttribute, BooleanArray)                                                                     \
+    X(EnumArray, EnumArrayAttribute, EnumerationArray)                                                                 \
+    X(FloatArray, FloatArrayAttribute, FloatArray)                                                                     \
+    X(DoubleArray, DoubleArrayAttribute, DoubleArray)                                                                  \
+    X(StringArray, StringArrayAttribute, StringArray)                                                                  \
+    X(Vector3Array, Vector3ArrayAttribute, Vector3Array)                                                               \
+    X(Matrix34Array, Matrix34ArrayAttribute, MatrixArray)                                                              \
+    X(PointerArray, PointerArrayAttribute, PointerArray)                                                               \
+    X(QuaternionArray, QuaternionArrayAttribute, QuaternionArray)                                                      \
+    X(NodeContainer, NodeContainer, NodeContainer)                                                                     \
+    X(AttributeArray, AttributeArray, AttributeArray)
+        // clang-format on
         DB_ROW_KINDS(DB_CASE)
 #undef DB_ROW_KINDS
 #undef DB_CASE
