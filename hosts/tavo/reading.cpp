@@ -98,7 +98,7 @@ std::string displayUnit(XScene const& scene, int unit) {
     case sg::Linear: return word(LinearUnitTable, settings.LinearUnits().Enumeration());
     case sg::Angular: return word(AngularUnitTable, settings.AngularUnits().Enumeration());
     case sg::Mass: return word(MassUnitTable, settings.MassUnits().Enumeration());
-    case sg::Time: return Qelutils::toUtf8(TimeAbbreviation);
+    case sg::Time: return "frames";
     case sg::Framerate: return Qelutils::toUtf8(FrameRateAbbreviation);
     default: return {};
     }

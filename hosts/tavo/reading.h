@@ -42,7 +42,7 @@ private:
 // A value of the attribute between internal units and those that the scene shows, by what the attribute's unit means.
 double convertUnits(Tavo::XAttribute const& attribute, Tavo::XUnitConversionType direction, double value);
 
-// "m", "°", "s" and so on: the unit in which the scene shows such attributes; empty without one.
+// "m", "°", "frames" and so on: the unit in which the scene shows such attributes; empty without one.
 std::string displayUnit(Tavo::XScene const& scene, int unit);
 
 }  // namespace host

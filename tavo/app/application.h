@@ -1,5 +1,5 @@
 // The root of the library. The host obtains the one XApplication with Instance, starts it with Startup, and reaches
-// scenes, settings, scripts, plug-ins and the log through it. It runs no loop of its own: the host calls Update once
+// scenes, settings, script engines and the log through it. It runs no loop of its own: the host calls Update once
 // per cycle and NotifyOnIdle when idle.
 //
 // Three phases: constructed (only Instance, Startup and the log calls mean anything, and the log is silent), started
@@ -12,13 +12,11 @@
 #include "tavo/app/word.h"
 #include <algorithm>
 #include <cwchar>
-#include <memory>
 #include <string>
 
 class wxString;
 
 namespace LuaPlus {
-class LuaState;
 class LuaStateOwner;
 }  // namespace LuaPlus
 namespace qellua {
@@ -27,12 +25,8 @@ class LuaFrame;
 
 namespace Tavo {
 
-class XCommand;
 class XDatabase;
-class XLuaScript;
 class XObject;
-class XPluginManager;
-class XPythonScript;
 class XScene;
 class XSceneObserver;
 class XScriptEngine;
@@ -61,13 +55,9 @@ public:
 
     // ---- parts; the references are valid while started ----
     std::wstring const& ExecutableDir() const { return _executableDir; }
-    XPluginManager& PluginManager() const { return *_pluginManager; }
     XSettings& Settings() const { return *_settings; }
     XScene& ActiveScene() const { return *_activeScene; }
-    XLuaScript& LuaScript() const { return *_luaScript; }
-    XPythonScript& PythonScript() const { return *_pythonScript; }
     bool IsStarted() const { return _activeScene && _settings; }
-    bool HasScripts() const { return _luaScript && _pythonScript; }  // false early in Startup and late in Shutdown
     Qelutils::Vector<XSceneObserver*> const& SceneObservers() const { return _sceneObservers; }
     Qelutils::Vector<XSettingsObserver*> const& SettingsObservers() const { return _settingsObservers; }
 
@@ -126,21 +116,14 @@ public:
 
     // ---- settings file ----
     bool SaveSettings(std::wstring const& file);
-    bool LoadSettings(std::wstring const& file);  // false: the settings are the defaults
+    // False: the settings are the defaults. A file that is there but cannot be read logs why.
+    bool LoadSettings(std::wstring const& file);
 
     // ---- commands ----
     std::wstring const& ActiveCommandName() const { return _activeCommandName; }
     std::wstring const& LastCommandName() const { return _lastCommandName; }
     XApplication& SetActiveCommandName(std::wstring const& name);
     XApplication& SetLastCommandName(std::wstring const& name);
-    XCommand ActiveCommand();  // the node of that name in the settings; invalid without one
-    XCommand LastCommand();
-
-protected:
-    void runCommand(std::wstring const& name);
-    void resetActiveCommand();
-    void runActiveCommand();
-    void runLastCommand();
 
 private:
     XApplication();
@@ -171,13 +154,6 @@ private:
     }
 
     XScene& activateNeighbour(int step);
-    void initAppScriptCommands();
-    int Application_Command(LuaPlus::LuaState* state);
-    int Application_ResetActiveCommand(LuaPlus::LuaState* state);
-    int Application_RunActiveCommand(LuaPlus::LuaState* state);
-    int Application_RunLastCommand(LuaPlus::LuaState* state);
-    int Application_RunCommand(LuaPlus::LuaState* state);  // deliberately not in the "app" table
-    int Application_Scene(LuaPlus::LuaState* state);
 
     static XApplication* _instance;
 
@@ -190,14 +166,10 @@ private:
     XSettings* _settings = nullptr;  // owned
     std::wstring _activeCommandName;
     std::wstring _lastCommandName;
-    std::unique_ptr<Qelutils::Vector<XObject>> _commandResults;  // of the most recent runCommand
-    XLuaScript* _luaScript = nullptr;                            // owned
-    XPythonScript* _pythonScript = nullptr;                      // owned
     LuaPlus::LuaStateOwner* _luaState = nullptr;
     Qelutils::BasicLogger* _logger = nullptr;
     qellua::LuaFrame* _frame = nullptr;
     std::wstring _frameName;
-    XPluginManager* _pluginManager = nullptr;  // owned
     std::wstring _executableDir;
 };
 

@@ -8,7 +8,7 @@
 
 namespace Tavo {
 
-XApplication::XApplication() : _commandResults(std::make_unique<Qelutils::Vector<XObject>>()) {}
+XApplication::XApplication() = default;
 
 XApplication::~XApplication() = default;
 

@@ -11,29 +11,29 @@ struct GroupState {
     bool visible = true, editable = true, selectable = true;
 };
 
-// Calls visit(group, state) for each plain group below `folder`. References may form a circle in a broken file: each
-// group is entered once.
-template<class Visit>
-void forEachPlainGroup(XObjectGroup const& folder, GroupState const& above, XScene::ObjectIDs& entered,
-                       Visit const& visit) {
-    Qelutils::Vector<XObject> children;
-    folder.ChildGroupReferenceArray().ObjectRefs(children);
-    for (XObject const& child : children) {
-        XObjectGroup const group(child);
+// Calls visit(group, state) for each plain group below `root`, in order. References may form a circle in a broken file:
+// each group is entered once. Folders may lie in folders to any depth: what waits is kept in a list.
+template<class Visit> void forEachPlainGroup(XObjectGroup const& root, Visit const& visit) {
+    std::vector<std::pair<XObjectGroup, GroupState>> waiting;  // with the state of the folder; the next one last
+    auto const addChildren = [&waiting](XObjectGroup const& folder, GroupState const& state) {
+        Qelutils::Vector<XObject> children;
+        folder.ChildGroupReferenceArray().ObjectRefs(children);
+        for (auto child = children.rbegin(); child != children.rend(); ++child)
+            waiting.emplace_back(XObjectGroup(*child), state);
+    };
+    XScene::ObjectIDs entered = {root.ObjectID()};
+    for (addChildren(root, GroupState()); !waiting.empty();) {
+        auto const [group, above] = waiting.back();
+        waiting.pop_back();
         if (!group.IsValid() || group.IsSeparator() || !entered.insert(group.ObjectID()).second) continue;
         GroupState const state = {above.visible && group.IsVisible().Boolean(),
                                   above.editable && group.IsEditable().Boolean(),
                                   above.selectable && group.IsSelectable().Boolean()};
         if (group.IsFolder())
-            forEachPlainGroup(group, state, entered, visit);
+            addChildren(group, state);
         else
             visit(group, state);
     }
-}
-
-template<class Visit> void forEachPlainGroup(XObjectGroup const& root, Visit const& visit) {
-    XScene::ObjectIDs entered = {root.ObjectID()};
-    forEachPlainGroup(root, GroupState(), entered, visit);
 }
 
 void addMembers(XObjectGroup const& group, XScene::ObjectIDs& set) {

@@ -1,10 +1,12 @@
 // What XApplication does with its documents as databases: looking them up, committing, the settings file.
 #include "qel/db/loader_xml.h"
 #include "qel/db/saver_xml.h"
+#include "qel/utils/text.h"
 #include "tavo/app/application.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/scene_graph.h"
 #include "tavo/objects/settings.h"
+#include <filesystem>
 
 namespace Tavo {
 
@@ -37,6 +39,7 @@ bool XApplication::SaveSettings(std::wstring const& file) {
     return saved;
 }
 
+// A first start finds no file, which is nothing to tell.
 bool XApplication::LoadSettings(std::wstring const& file) {
     if (!IsStarted()) return false;
     XSceneGraph& graph = *_settings->SceneGraph();
@@ -44,6 +47,8 @@ bool XApplication::LoadSettings(std::wstring const& file) {
     db::FileInputStream stream(file);
     db::LoaderXML loader(stream, 0, nullptr);
     bool const loaded = loader.load(graph);
+    if (std::error_code none; !loaded && std::filesystem::exists(Qelutils::toUtf8(file), none))
+        LogError(L"Unable to load the settings from \"%s\", so that the defaults stand: %s", file, loader.error());
     loaded ? _settings->Open() : _settings->New();
     _settings->EndChangeBlock();
     graph.clearUndoHistory();

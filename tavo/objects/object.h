@@ -19,7 +19,6 @@ namespace Tavo {
 
 class XAnimation;
 class XAttribute;
-class XCharacter;
 class XDatabase;
 class XDisplayGroup;
 class XMatrix;
@@ -126,7 +125,6 @@ public:
     XObject FindParentObject(std::wstring const& type, XComparisonMode mode) const;      // the nearest
     virtual XObject FindAncestor(std::wstring const& type, XComparisonMode mode) const;  // the farthest
     XObject FindChildObject(std::wstring const& type, XComparisonMode mode) const;
-    XCharacter Character() const;
 
     // ---- attributes; an unknown name or index gives an invalid handle ----
     XAttribute Attribute(int index) const;
@@ -204,7 +202,7 @@ protected:
     bool isNodeOfType(db::NodeDef const& def) const { return _node.isAlive() && _node.getRef()->isOfType(def); }
     XObject& setNode(db::Node* node);
     bool mustDeleteParent() const;  // the sole primitive of a transform goes with it; defined on the kinematics floor
-    void deleteWithParent();
+    XObject deleteNode();           // the parent, if it must go too
     void reparentChildObjectsTo(XObject const& target);
 
     bool askTyped(bool (XObject::*supports)() const) const;
@@ -218,6 +216,11 @@ protected:
 private:
     friend class XAttribute;
     friend class XDatabase;
+    struct Deletion;  // what is under way in Delete
+
+    bool isUnconnected() const;                     // has attributes, of which none is connected
+    XObject releaseInput(XAttribute& input) const;  // disconnects it; its object, or invalid where that one has to stay
+
     static inline int _count = 1;
 
     XDatabase* _database = nullptr;

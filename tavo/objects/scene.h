@@ -26,9 +26,7 @@ class XAnimationLayers;
 class XCamera;
 class XCollisionGroup;
 class XGrid;
-class XKinematicsCharacter;
 class XMoveTool;
-class XObjectController;
 class XRotateTool;
 class XScaleTool;
 class XSceneChange;
@@ -96,9 +94,7 @@ public:
     XViewportSettings ViewportSettings() const;
     bool IsRootObject(XObject const& object) const;   // by id
     ObjectIDs const& ObjectSet(int groupMode) const;  // of an XGroupMode; empty for any other number
-    int ActiveViewportIndex() const;
-    XScene& SetActiveViewportIndex(int index);
-    XKinematicsCharacter EnvironmentCharacter();
+    int ActiveViewportIndex() const { return 0; }     // without a display
 
     // ---- document ----
     void Register() override;
@@ -121,7 +117,6 @@ public:
     XScene& SetScriptPath(std::wstring const& path);  // ends in a separator
     bool LoadScripts();
     bool LoadScripts(std::wstring const& path);  // true when the directory is missing; stops at the first failure
-    bool RunPython(std::wstring const& text);
     // The files of `directory` that match `filter`, with the directory in front.
     void Assets(std::wstring const& directory, std::wstring const& filter, Qelutils::Vector<std::wstring>& out) const;
 
@@ -152,9 +147,7 @@ public:
     XScene& UnparentSelection();
     XScene& ChangeEditMode(int mode);
 
-    // ---- commands and animation ----
-    XObject RunCommand(std::wstring const& name);
-    XObject RunCommand(std::wstring const& name, Qelutils::Vector<XObject>& results);
+    // ---- animation ----
     XScene& ClearAnimation(XObject const& root);  // of the object and all below it; the caller provides the block
     XScene& DisconnectAnimation(XObject const& root);
 
@@ -165,18 +158,10 @@ public:
     int ActiveToolIndex() const;
     int ActiveToolOrientation() const;
     XScene& ToggleActiveToolOrientation();
-    XMatrix ActiveToolFrame() const;
-    XScene& TranslateActiveTool(XVector3 const& delta);
-    XScene& RotateActiveTool(float angle, XVector3 const& axis);
-    XScene& RotateActiveTool(XVector3 const& rotation, int order);
-    XScene& ScaleActiveTool(XVector3 const& scale);
     XScene& UpdateActiveToolTransform();
     XScene& UpdateActiveToolWeights();
     XScene& UpdateActiveToolWeights(XSceneChange const& change, bool force);
-    XScene& UpdateActiveToolLabels();
     XScene& UpdateActiveToolDisplay();
-    float ActiveToolWeight(int a, int b) const;
-    XObjectController* FindObjectController(XObject const& object) const;
 
     // ---- what a document does its own way ----
     using XDatabase::CreateObject;

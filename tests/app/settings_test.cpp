@@ -31,7 +31,7 @@ TEST_F(Settings, AMissingFileGivesTheDefaultsAndFiresCreatedAtTheEnd) {
     EXPECT_FALSE(application().LoadSettings(file("missing.xml")));
     EXPECT_EQ(recorder.take(), (Events{"SettingsCreated", "SettingsLoaded", "SettingsCreated"}));
     EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
-    EXPECT_TRUE(log.errors().empty());
+    EXPECT_TRUE(log.entries.empty());
 }
 
 TEST_F(Settings, ComeBackFromTheirFile) {
@@ -73,11 +73,18 @@ TEST_F(Settings, AFileWithoutASettingsNodeGivesOneWithTheDefaults) {
     EXPECT_EQ(settings().SceneSettings().EndTime().Float(), 3);
 }
 
-TEST_F(Settings, ABrokenFileGivesTheDefaults) {
+TEST_F(Settings, ABrokenFileGivesTheDefaultsAndOneErrorThatSaysWhy) {
     for (char const* text : {"", "<", "<tavo", "not a document", "<tavo format=\"1\"><node"}) {
         write("broken.xml", text);
+        settings().SceneSettings().FrameRate().SetInteger(60);
         EXPECT_FALSE(application().LoadSettings(file("broken.xml"))) << text;
         EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
+        ASSERT_EQ(log.entries.size(), 1u) << text;
+        std::wstring const start =
+            L"Unable to load the settings from \"" + file("broken.xml") + L"\", so that the defaults stand: ";
+        EXPECT_EQ(log.errors().at(0).substr(0, start.size()), start);
+        EXPECT_GT(log.errors().at(0).size(), start.size()) << text;
+        log.clear();
     }
 }
 
