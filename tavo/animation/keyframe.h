@@ -10,14 +10,14 @@ namespace Tavo {
 
 class XAnimation;
 
-enum XInterpolation {
+enum XInterpolation : int {
     ConstantInterpolation = 0,
     LinearInterpolation = 1,
     SplineInterpolation = 2,
     ExternalInterpolation = 3
 };
-enum XContinuity { BrokenContinuity = 0, CoupledContinuity = 1, LinearCoupledContinuity = 2 };
-enum XExtrapolation {
+enum XContinuity : int { BrokenContinuity = 0, CoupledContinuity = 1, LinearCoupledContinuity = 2 };
+enum XExtrapolation : int {
     ConstantExtrapolation = 0,
     LinearExtrapolation = 1,
     CyclicExtrapolation = 2,

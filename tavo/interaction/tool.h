@@ -7,7 +7,7 @@
 
 namespace Tavo {
 
-enum XToolIndex {
+enum XToolIndex : int {
     NullTool = 0,
     SelectTool = 1,
     CameraTool = 2,
@@ -18,7 +18,7 @@ enum XToolIndex {
 };
 inline constexpr XWord ToolNames[] = {L"NullTool",   L"SelectTool", L"CameraTool", L"MoveTool",
                                       L"RotateTool", L"ScaleTool",  L"TimingTool"};
-enum XToolOrientation { WorldOrientation = 0, ObjectOrientation = 1 };
+enum XToolOrientation : int { WorldOrientation = 0, ObjectOrientation = 1 };
 
 class XTool : public XTyped<XTool, XSceneObject> {
 public:

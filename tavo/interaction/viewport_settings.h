@@ -6,7 +6,7 @@
 
 namespace Tavo {
 
-enum XColourMode { ObjectColour = 0, DisplayGroupColour = 1, SelectionGroupColour = 2, CollisionGroupColour = 3 };
+enum XColourMode : int { ObjectColour = 0, DisplayGroupColour = 1, SelectionGroupColour = 2, CollisionGroupColour = 3 };
 
 class XViewportSettings : public XTyped<XViewportSettings, XSceneObject, sg::ViewportEditorSettingsNode> {
 public:

@@ -14,8 +14,8 @@
 
 namespace Tavo {
 
-enum XDirection { XAxis = 0, YAxis = 1, ZAxis = 2 };
-enum XAlignmentMode {  // the aligning operations know only the first two
+enum XDirection : int { XAxis = 0, YAxis = 1, ZAxis = 2 };
+enum XAlignmentMode : int {  // the aligning operations know only the first two
     AlignToFirstChild = 0,
     AlignToChildAverage = 1,
     XPlane = 2,

@@ -28,7 +28,7 @@ class XSelectionGroup;
 class XVector3;
 
 // How a search compares types.
-enum XComparisonMode {
+enum XComparisonMode : int {
     IsObjectType = 0,        // the most derived type alone
     SupportsObjectType = 1,  // any type that the object derives from
 };

@@ -37,7 +37,7 @@ class XTransform;
 class XViewportSettings;
 struct XSceneObjects;
 
-enum XSceneMode {
+enum XSceneMode : int {
     InteractiveMode = 0,
     PlayingForwardMode = 1,
     PlayingReverseMode = 2,
@@ -46,7 +46,7 @@ enum XSceneMode {
 };
 
 // The scene's sets of members of display groups, by what those groups forbid.
-enum XGroupMode { NotVisibleGroup = 0, NotEditableGroup = 1, NotSelectableGroup = 2 };
+enum XGroupMode : int { NotVisibleGroup = 0, NotEditableGroup = 1, NotSelectableGroup = 2 };
 
 class XScene : public wxUtils::AppMainLoopTimerClient, public XDatabase {
 public:

@@ -6,7 +6,7 @@
 
 namespace Tavo {
 
-enum XUnitConversionType { ToInternalUnits = 0, ToExternalUnits = 1 };
+enum XUnitConversionType : int { ToInternalUnits = 0, ToExternalUnits = 1 };
 
 // A value in internal units times `external` is the value in this unit; times `internal` it comes back.
 struct XUnit {
@@ -35,7 +35,7 @@ inline constexpr XWord DegreeSign = L"\u00b0", FrameRateWord = L"frames per seco
                        TimeWord = L"second", TimeAbbreviation = L"s", ForceWord = L"Newton", ForceAbbreviation = L"N";
 
 // What XDatabase::Units and ConvertUnits take as numbers.
-enum XUnitCode {
+enum XUnitCode : int {
     LengthUnit = 5,
     VelocityUnit = 6,
     AccelerationUnit = 7,
