@@ -6,7 +6,7 @@
 #include "plugins/bvh/reader.h"
 #include "qel/widgets/app_main_loop.h"
 #include "tavo/app/application.h"
-#include "tavo/interaction/core_types.h"
+#include "tavo/extension/core_types.h"
 #include "tavo/objects/settings.h"
 
 #include <optional>

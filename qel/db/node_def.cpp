@@ -23,8 +23,14 @@ NodeDef::NodeDef(wchar_t const* nameSpace, wchar_t const* classID, NodeDef const
 std::vector<AttributeDef const*> NodeDef::collectRows(std::span<AttributeDef const> rows) {
     std::vector<AttributeDef const*> all;
     if (base_) all = base_->topLevel_;
+    int const inherited = int(all.size());
     for (AttributeDef const& def : rows) {
-        assert(def.number >= int(all.size()) && "a row's number is taken, by this type or its base");
+        if (def.number < inherited) {
+            assert(all[std::size_t(def.number)]->type == def.type && "a row of the base keeps its kind");
+            all[std::size_t(def.number)] = &def;
+            continue;
+        }
+        assert(def.number >= int(all.size()) && "a row's number is taken by this type");
         while (int(all.size()) < def.number) {
             reservedNames_.push_back(L"Reserved" + std::to_wstring(all.size()));
             AttributeDef gap = row::integer(int(all.size()), reservedNames_.back().c_str());

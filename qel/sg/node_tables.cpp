@@ -3,6 +3,7 @@
 // everything that reaches attributes by number; gaps are filled by reserved attributes. One file, in the order of
 // derivation, because a type is made from its base.
 // Not formatted: each row of a table is a line.
+#include "qel/sg/enumerations.h"
 #include "qel/sg/scene.h"
 
 namespace sg {
@@ -19,13 +20,6 @@ template<class N> db::Node* make(void* at, db::NodeDef const& def) { return new 
 
 constexpr wchar_t const* dataSources[] = {L"TranslationRotationEulerSource", L"TranslationRotationTwistSwingSource",
                                           L"TranslationRotationQuaternionSource", L"LocalMatrixSource"};
-constexpr wchar_t const* eulerOrders[] = {L"XYZ", L"XZY", L"YXZ", L"YZX", L"ZXY", L"ZYX"};
-constexpr wchar_t const* rotationInterpolations[] = {L"Quaternion", L"Euler"};
-constexpr wchar_t const* boneStyles[] = {L"Wireframe", L"Solid", L"Hidden"};
-constexpr wchar_t const* locatorStyles[] = {L"Solid", L"Wireframe", L"WireframeAxes"};
-constexpr wchar_t const* axesStyles[] = {L"ShowSelected", L"Show", L"Hide"};
-constexpr wchar_t const* limitTypes[] = {L"BallSocket", L"Hinge"};
-constexpr wchar_t const* shapes[] = {L"Box", L"Capsule", L"Cylinder", L"Sphere"};
 constexpr wchar_t const* outputModes[] = {L"FloatOutputMode", L"RotationOutputMode"};
 constexpr wchar_t const* interpolations[] = {L"constant", L"linear", L"spline", L"external"};
 constexpr wchar_t const* continuities[] = {L"broken", L"linear", L"linearCoupled"};
@@ -39,7 +33,6 @@ constexpr wchar_t const* selectionModes[] = {L"Replace", L"Add", L"Toggle", L"Ad
 constexpr wchar_t const* smartEditings[] = {L"retainFeel", L"retainConstraints", L"notUsed"};
 constexpr wchar_t const* cameraTypes[] = {L"Perspective", L"Top", L"Front", L"Side"};
 constexpr wchar_t const* lightTypes[] = {L"Directional", L"Point", L"Spot"};
-constexpr wchar_t const* displayStyles[] = {L"Shaded", L"ShadedEdges", L"ShadedWireframe", L"Edges", L"Wireframe"};
 constexpr wchar_t const* dropoffModes[] = {L"ArcLength", L"Parameter", L"Time"};
 constexpr wchar_t const* rotationToolModes[] = {L"Swirl", L"Bend"};
 constexpr wchar_t const* bentSides[] = {L"StartTip", L"EndTip"};

@@ -14,6 +14,8 @@ class Renderer {
 public:
     virtual ~Renderer() = default;
     virtual void requestNeedToRedraw() = 0;
+    virtual void zoomToFit() {}        // the active view onto what is selected, or onto everything
+    virtual void updateZoomToFit() {}  // one step of a view that is on its way there
 };
 
 // All operations do nothing by default. Vectors are in metres and radians.

@@ -7,6 +7,8 @@
 
 namespace wxUtils {
 
+class FileDialogs;
+
 class AppMainLoopTimerClient {
 public:
     virtual ~AppMainLoopTimerClient() = default;
@@ -49,6 +51,7 @@ namespace Mirrel {
 // Application-wide pointers, filled by the host before it starts the core.
 struct Globals {
     wxUtils::AppMainLoop* mainLoop = nullptr;
+    wxUtils::FileDialogs* fileDialogs = nullptr;  // of a host that can ask
 };
 extern Globals gMirrel;
 

@@ -25,6 +25,7 @@ class LuaFrame;
 
 namespace Tavo {
 
+class XCommand;
 class XDatabase;
 class XObject;
 class XScene;
@@ -124,6 +125,15 @@ public:
     std::wstring const& LastCommandName() const { return _lastCommandName; }
     XApplication& SetActiveCommandName(std::wstring const& name);
     XApplication& SetLastCommandName(std::wstring const& name);
+    XCommand ActiveCommand();  // the settings' nodes of these names; invalid, and logged, when there is none
+    XCommand LastCommand();
+
+protected:
+    // On the active scene. The results of the last run are kept until the next.
+    void runCommand(std::wstring const& name);
+    void runActiveCommand();
+    void runLastCommand();
+    void resetActiveCommand();  // its parameters to their defaults
 
 private:
     XApplication();
@@ -166,6 +176,7 @@ private:
     XSettings* _settings = nullptr;  // owned
     std::wstring _activeCommandName;
     std::wstring _lastCommandName;
+    Qelutils::Vector<XObject> _commandResults;
     LuaPlus::LuaStateOwner* _luaState = nullptr;
     Qelutils::BasicLogger* _logger = nullptr;
     qellua::LuaFrame* _frame = nullptr;

@@ -39,6 +39,7 @@ void XApplication::Shutdown() {
     _settings = nullptr;
     _luaState = nullptr;
     _logger = nullptr;
+    _commandResults.clear();
     _sceneObservers.clear();
     _instance = nullptr;
     delete this;

@@ -119,6 +119,7 @@ public:
     XSceneGraph* SceneGraph() const { return _graph.get(); }  // null while inert
     XModule& CoreModule() { return _coreModule; }
     XObjectDef* ObjectDefinition(std::wstring const& name) const;  // by object type, then by node type; or null
+    void ObjectDefinitions(Qelutils::Vector<XObjectDef*>& out) const;  // in the order of the types' words
     std::map<std::wstring, XTranslatorDef*> const& Translators() const { return _translators; }  // by extension
 
     // ---- change blocks ----

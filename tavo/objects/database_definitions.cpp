@@ -36,6 +36,11 @@ XObjectDef* XDatabase::ObjectDefinition(std::wstring const& name) const {
     return def ? def : find(_nodeDefinitions, name);
 }
 
+void XDatabase::ObjectDefinitions(Qelutils::Vector<XObjectDef*>& out) const {
+    out.clear();
+    for (auto const& [type, definition] : _objectDefinitions) out.push_back(definition);
+}
+
 void XDatabase::registerDefinition(XModule* module, XObjectDef* definition) {
     if (!definition) return;
     std::wstring const &objectType = definition->ObjectType(), &nodeType = definition->NodeType();

@@ -134,6 +134,11 @@ XScene& XScene::UpdateFrame() {
 
 XScene& XScene::UpdateViewports() { return Redraw(); }
 
+XScene& XScene::ZoomToFit() {
+    if (Renderer()) Renderer()->zoomToFit();
+    return *this;
+}
+
 XScene& XScene::UpdateAll() { return UpdateFrame().UpdateViewports().UpdateDisplay(); }
 
 // ---- the commit cycle ----

@@ -112,6 +112,7 @@ public:
     XScene& UpdateFrame();
     XScene& UpdateViewports();
     XScene& UpdateAll();
+    XScene& ZoomToFit();  // nothing without a display
 
     // ---- scripts and assets ----
     XScene& SetScriptPath(std::wstring const& path);  // ends in a separator
@@ -150,6 +151,12 @@ public:
     // ---- animation ----
     XScene& ClearAnimation(XObject const& root);  // of the object and all below it; the caller provides the block
     XScene& DisconnectAnimation(XObject const& root);
+
+    // ---- commands; defined on the commands floor ----
+    // Runs the command of that name on this scene: one step of the history. Gives the first of its results, or an
+    // invalid handle; an unknown name is logged.
+    XObject RunCommand(std::wstring const& name);
+    XObject RunCommand(std::wstring const& name, Qelutils::Vector<XObject>& results);
 
     // ---- tools; defined on the interaction floor ----
     XScene& SetActiveTool(std::wstring const& name);

@@ -1,7 +1,8 @@
-#include "tavo/interaction/core_types.h"
+#include "tavo/extension/core_types.h"
 #include "tavo/animation/animation.h"
 #include "tavo/animation/animation_layers.h"
 #include "tavo/animation/keyframe.h"
+#include "tavo/commands/catalogue.h"
 #include "tavo/interaction/object_group.h"
 #include "tavo/interaction/selection.h"
 #include "tavo/interaction/tool.h"
@@ -37,10 +38,15 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     registerAll<XToolDef, XSelectToolDef, XMoveToolDef, XRotateToolDef, XScaleToolDef, XTimingToolDef>(database);
 }
 
-void XCoreTypes::RegisterSettingsTypes(XDatabase& database) { registerAll<XSceneSettingsDef>(database); }
+void XCoreTypes::RegisterSettingsTypes(XDatabase& database) {
+    registerAll<XSceneSettingsDef>(database);
+    XCommandCatalogue::Register(database);
+}
 
 void XCoreTypes::OnSceneRegistered(XScene& scene) { RegisterSceneTypes(scene); }
 
 void XCoreTypes::OnSettingsRegistered(XSettings& settings) { RegisterSettingsTypes(settings); }
+
+void XCoreTypes::OnSettingsCreated(XSettings& settings) { XCommandCatalogue::CreateNodes(settings); }
 
 }  // namespace Tavo

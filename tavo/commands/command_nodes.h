@@ -1,0 +1,19 @@
+// The node types of commands that other documents and modules know by name, and the nodes that persist in the settings.
+#pragma once
+#include "tavo/commands/creation_commands.h"
+#include "tavo/commands/edit_commands.h"
+#include "tavo/commands/file_commands.h"
+
+namespace sg {
+
+using CopyNode = Tavo::XCommandNode<Tavo::XCopy>;
+using PasteNode = Tavo::XCommandNode<Tavo::XPaste>;
+using AlignAxisNode = Tavo::XCommandNode<Tavo::XAlignAxis>;
+using FreezeTransformNode = Tavo::XCommandNode<Tavo::XFreezeTransform>;
+using CreateTransformNode = Tavo::XCommandNode<Tavo::XCreateTransform>;
+using CreateJointNode = Tavo::XCommandNode<Tavo::XCreateJoint>;
+using CreatePrimitiveNode = Tavo::XCommandNode<Tavo::XCreatePrimitive>;
+using ImportFileNode = Tavo::XCommandNode<Tavo::XImportFile>;
+using ExportFileNode = Tavo::XCommandNode<Tavo::XExportFile>;
+
+}  // namespace sg

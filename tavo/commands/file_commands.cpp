@@ -1,0 +1,55 @@
+#include "tavo/commands/file_commands.h"
+#include "qel/widgets/app_main_loop.h"
+#include "qel/widgets/file_dialog.h"
+#include "tavo/app/application.h"
+#include "tavo/objects/scene.h"
+#include "tavo/objects/settings.h"
+#include "tavo/objects/translator.h"
+
+namespace Tavo {
+namespace {
+
+std::wstring filterOf(XSettings const& settings, bool (XTranslatorDef::*supports)() const) {
+    std::wstring filter = L"All Files (*.*)|*.*";
+    for (auto const& [extension, translator] : settings.Translators())
+        if ((translator->*supports)()) filter += L"|" + translator->Filter();
+    return filter;
+}
+
+// Whether a file was chosen. A host without dialogs is told once, and goes on as if the dialog had been cancelled.
+bool askForFile(wxUtils::FileDialogRequest const& request, std::wstring& path) {
+    wxUtils::FileDialogs* const dialogs = Mirrel::gMirrel.fileDialogs;
+    if (!dialogs) {
+        XApplication::Instance().LogWarning(L"%s: this host has no file dialog", request.title);
+        return false;
+    }
+    int const answer = dialogs->show(request, path);
+    dialogs->raiseMainWindow();
+    return answer == wxUtils::DialogOK;
+}
+
+}  // namespace
+
+void XImportFile::ImportFileWithDialogue() {
+    std::wstring path;
+    if (askForFile({XScene::FileImportDialogTitle,
+                    {},
+                    {},
+                    filterOf(Settings(), &XTranslatorDef::SupportsImport),
+                    wxUtils::OpenFile},
+                   path))
+        Settings().ImportFile(path);
+}
+
+void XExportFile::ExportFileWithDialogue() {
+    std::wstring path;
+    if (askForFile({XScene::FileExportDialogTitle,
+                    {},
+                    {},
+                    filterOf(Settings(), &XTranslatorDef::SupportsExport),
+                    wxUtils::SaveFile},
+                   path))
+        Settings().ExportFile(path);
+}
+
+}  // namespace Tavo
