@@ -1,5 +1,6 @@
 #include "tavo/interaction/selection.h"
 #include "tavo/app/application.h"
+#include "tavo/kinematics/shape.h"
 #include "tavo/objects/scene.h"
 
 namespace Tavo {
@@ -39,6 +40,24 @@ Qelutils::Vector<XObject>& XSelection::Objects(Qelutils::Vector<XObject>& out) c
     Entities().ObjectRefs(out);
     return out;
 }
+
+XObject XSelection::Object(std::wstring const& type, XComparisonMode mode) const {
+    XObject const first = Object(0);
+    return first.IsValid() && first.Matches(type, mode) ? first : XObject();
+}
+XSelection& XSelection::SelectAll() {
+    Qelutils::Vector<XObject> all;
+    Clear();
+    Database().Objects(XTransform::TypeID, SupportsObjectType, all);
+    for (auto& o : all) Append(o);
+    Database().Objects(XShape::TypeID, SupportsObjectType, all);
+    for (auto& o : all) Append(o);
+    return *this;
+}
+XSelection& XSelection::SelectParent() { return Select(Object(0).Parent()); }
+XSelection& XSelection::SelectChild() { return Select(Object(0).Child(0)); }
+XSelection& XSelection::SelectNext() { return Select(Object(0).Next()); }
+XSelection& XSelection::SelectPrevious() { return Select(Object(0).Previous()); }
 
 XSelection& XSelection::Select(XObject const& object) {
     if (!object.IsValid()) return *this;

@@ -26,6 +26,12 @@ public:
     int SubObjectCount() const { return SubEntities().ArraySize(); }
     bool HasSelection() const { return (IsSubObjectEditMode() ? SubObjectCount() : Count()) > 0; }
     XObject Object(int index) const;  // through the active scene; invalid beyond the ends
+    XObject Object(std::wstring const& type, XComparisonMode mode) const;
+    XSelection& SelectAll();
+    XSelection& SelectParent();
+    XSelection& SelectChild();
+    XSelection& SelectNext();
+    XSelection& SelectPrevious();
     Qelutils::Vector<XObject>& Objects(Qelutils::Vector<XObject>& out) const;
 
     // ---- changes, each one change block; an object is in the list once at most ----
