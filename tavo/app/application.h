@@ -129,6 +129,9 @@ public:
     XCommand LastCommand();
 
 protected:
+    XApplication();
+    ~XApplication() override;
+
     // On the active scene. The results of the last run are kept until the next.
     void runCommand(std::wstring const& name);
     void runActiveCommand();
@@ -136,9 +139,6 @@ protected:
     void resetActiveCommand();  // its parameters to their defaults
 
 private:
-    XApplication();
-    ~XApplication() override;
-
     // A text argument is passed as the pointer that the format reads.
     static wchar_t const* argument(std::wstring const& text) { return text.c_str(); }
     static wchar_t const* argument(XWord const& text) { return text.c_str(); }

@@ -23,7 +23,7 @@ XObject XScene::RunCommand(std::wstring const& name, Qelutils::Vector<XObject>& 
         return command.Run(this, results);
     }
     XObjectDef* const definition = settings.ObjectDefinition(name);
-    std::unique_ptr<XObject> const typed(definition ? definition->CreateObject(this, 1) : nullptr);
+    std::unique_ptr<XObject> const typed(definition ? definition->CreateObject(this, InvalidID) : nullptr);
     if (auto* const command = dynamic_cast<XCommand*>(typed.get())) {
         application.SetLastCommandName(name);
         return command->Run(this, results);
