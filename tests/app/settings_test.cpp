@@ -168,10 +168,24 @@ TEST_F(Translation, TheExtensionBeginsAtTheFirstDotOfTheWholePath) {
     add(L"XML");
     settings().ExportFile(L"a.b/file.xml");
     EXPECT_TRUE(state.files.empty());
-    EXPECT_EQ(log.errors(), std::vector<std::wstring>{L"Unable to export the file to \"a.b/file.xml\""});
+    EXPECT_EQ(log.errors(), (std::vector<std::wstring>{
+                                L"There are no file translators which support exporting to the format (\"B/FILE.XML\")",
+                                L"Unable to export the file to \"a.b/file.xml\""}));
     add(L"B/FILE.XML");
     settings().ExportFile(L"a.b/file.xml");
     EXPECT_EQ(state.files.size(), 1u);
+}
+
+std::vector<std::wstring> const unsupported = {
+    L"There are no file translators which support exporting to the format (\"BVH\")",
+    L"Unable to export the file to \"walk.bvh\"",
+    L"There are no file translators which support importing from the format (\"BVH\")",
+    L"Unable to import the file at \"walk.bvh\""};
+
+TEST_F(Translation, AnUnknownExtensionLogsTheFormatAndThenTheFailure) {
+    settings().ExportFile(L"walk.bvh");
+    settings().ImportFile(L"walk.bvh");
+    EXPECT_EQ(log.errors(), unsupported);
 }
 
 TEST_F(Translation, OneThatCannotDoItIsToldWithItsFormat) {
@@ -180,18 +194,25 @@ TEST_F(Translation, OneThatCannotDoItIsToldWithItsFormat) {
     settings().ExportFile(L"walk.bvh");
     settings().ImportFile(L"walk.bvh");
     EXPECT_TRUE(state.files.empty());
-    EXPECT_EQ(log.errors(), (std::vector<std::wstring>{
-                                L"There are no file translators which support exporting to the format (\"BVH\")",
-                                L"Unable to export the file to \"walk.bvh\"",
-                                L"There are no file translators which support importing from the format (\"BVH\")",
-                                L"Unable to import the file at \"walk.bvh\""}));
+    EXPECT_EQ(log.errors(), unsupported);
 }
 
-TEST_F(Translation, AFailureIsToldOnce) {
+TEST_F(Translation, OneDirectionMayBeSupportedAlone) {
+    add(L"BVH");
+    state.canExport = false;
+    settings().ImportFile(L"walk.bvh");
+    EXPECT_TRUE(log.errors().empty());
+    settings().ExportFile(L"walk.bvh");
+    EXPECT_EQ(log.errors(), (std::vector<std::wstring>{unsupported[0], unsupported[1]}));
+    EXPECT_EQ(state.files.size(), 1u);
+}
+
+TEST_F(Translation, AFailureIsToldWithoutTheFormat) {
     add(L"BVH");
     state.succeeds = false;
     settings().ExportFile(L"walk.bvh");
-    EXPECT_EQ(log.errors(), std::vector<std::wstring>{L"Unable to export the file to \"walk.bvh\""});
+    settings().ImportFile(L"walk.bvh");
+    EXPECT_EQ(log.errors(), (std::vector<std::wstring>{unsupported[1], unsupported[3]}));
 }
 
 }  // namespace
