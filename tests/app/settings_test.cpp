@@ -1,9 +1,17 @@
 #include "qel/db/saver_xml.h"
 #include "tests/app/fixture.h"
 #include "tests/app/recorder.h"
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <random>
+#include <regex>
+#include <sstream>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 namespace Tavo {
 namespace {
@@ -17,6 +25,11 @@ protected:
 
     std::wstring file(std::string const& name) const { return (folder / name).wstring(); }
     void write(std::string const& name, std::string const& text) const { std::ofstream(folder / name) << text; }
+    std::string read(std::string const& name) const {
+        std::ostringstream text;
+        text << std::ifstream(folder / name).rdbuf();
+        return text.str();
+    }
     static XSettings& settings() { return application().Settings(); }
     static std::size_t undoSteps() { return settings().SceneGraph()->getUndoCount(); }
 
@@ -111,6 +124,181 @@ TEST_F(Settings, HaveNoUnits) {
 }
 
 TEST_F(Settings, StandInTheListOfNoScene) { EXPECT_EQ(application().SceneCount(), 1u); }
+
+// ---- what is not known survives ----
+
+using namespace std::string_literals;
+
+std::string repeated(std::string const& text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
+}
+
+class PartlyUnknownSettings : public Settings {
+protected:
+    // Loads a file of these nodes and saves it; the result.
+    std::string roundTrip(std::string const& nodes) {
+        write("in.xml", "<tavo format=\"1\" name=\"Settings\" ids=\"9000\">" + nodes + "</tavo>");
+        EXPECT_TRUE(application().LoadSettings(file("in.xml")));
+        EXPECT_TRUE(log.errors().empty());
+        return saved();
+    }
+    std::string saved() {
+        EXPECT_TRUE(application().SaveSettings(file("out.xml")));
+        return std::regex_replace(read("out.xml"), std::regex("\n +"), "\n");
+    }
+    static bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
+};
+
+TEST_F(PartlyUnknownSettings, KeepNodesOfUnknownTypesWithAllTheyCarry) {
+    std::string const
+        gadget = "<node id=\"1024\" type=\"Gadget\" space=\"plugin\" name=\"gadget\">",
+        part = "<a n=\"Size\">1 0.30000001192092896 -1e-300</a>",
+        deep = "<e n=\"Rows\" id=\"1030\">\n<q x=\"1 &lt; 2 &amp; &quot;3&quot;\">a\xC3\xA4 \xF0\x9F\x90\x8E</q>\n"
+               "<q x=\"\"/>\n</e>",
+        below = "<node id=\"2048\" type=\"Widget\" name=\"widget\" parent=\"1024\">";
+    std::string const text = roundTrip(gadget + part + deep + "</node>" + below + "<a n=\"On\">true</a></node>");
+    for (std::string const& each : {gadget, part, deep, below, std::string("<a n=\"On\">true</a>")})
+        EXPECT_TRUE(holds(text, each)) << each << "\nin\n" << text;
+}
+
+TEST_F(PartlyUnknownSettings, KeepUnknownAttributesOfKnownNodes) {
+    std::string const number = "<a n=\"Haste\">7.25</a>", list = "<a n=\"List\">\n<s>one</s>\n<s> two </s>\n<s/>\n</a>",
+                      later = "<d n=\"Later\" type=\"99\" id=\"1120\">x</d>";
+    std::string const text =
+        roundTrip("<node id=\"1024\" type=\"SceneSettings\" name=\"Settings\"><a n=\"FrameRate\">60</a>" + number +
+                  list + later + "</node>");
+    for (std::string const& each : {number, list, later}) EXPECT_TRUE(holds(text, each)) << each << "\nin\n" << text;
+    EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 60);
+    EXPECT_EQ(settings().SceneSettings().ObjectID(), 1024);
+}
+
+TEST_F(PartlyUnknownSettings, WriteTheSameBytesEachTime) {
+    std::string const once =
+        roundTrip("<node id=\"1024\" type=\"SceneSettings\" name=\"Settings\"><a n=\"New\">1</a></node>"
+                  "<node id=\"2048\" type=\"Gadget\" name=\"g\"><a n=\"B\">2</a><a n=\"A\">1</a></node>"
+                  "<connection id=\"3072\" from=\"2048.A\" to=\"1024.New\"/>");
+    EXPECT_TRUE(holds(once, "<connection id=\"3072\" from=\"2048.A\" to=\"1024.New\"/>"));
+    ASSERT_TRUE(application().LoadSettings(file("out.xml")));
+    EXPECT_EQ(saved(), once);
+}
+
+TEST_F(PartlyUnknownSettings, KeepThemThroughAChangeOfWhatIsKnown) {
+    roundTrip("<node id=\"1024\" type=\"SceneSettings\" name=\"Settings\"><a n=\"Haste\">7.25</a></node>");
+    settings().SceneSettings().FrameRate().SetInteger(30);
+    std::string const text = saved();
+    EXPECT_TRUE(holds(text, "<a n=\"Haste\">7.25</a>"));
+    EXPECT_TRUE(holds(text, "<a n=\"FrameRate\">30</a>"));
+}
+
+TEST_F(PartlyUnknownSettings, ForgetThemWhenTheyAreMadeNew) {
+    roundTrip("<node id=\"1024\" type=\"SceneSettings\" name=\"Settings\"><a n=\"Haste\">7.25</a></node>"
+              "<node id=\"2048\" type=\"Gadget\" name=\"gadget\"/>");
+    settings().New();
+    std::string const text = saved();
+    EXPECT_FALSE(holds(text, "Haste") || holds(text, "Gadget")) << text;
+}
+
+TEST_F(PartlyUnknownSettings, TakeTheirNameFromAnObjectOfAnotherType) {
+    std::string const gadget = "<node id=\"1024\" type=\"Gadget\" name=\"Settings\"><a n=\"A\">1</a></node>";
+    std::string const once = roundTrip(gadget);
+    EXPECT_EQ(settings().SceneSettings().Path(), L"Settings");
+    EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
+    EXPECT_TRUE(holds(once, "type=\"Gadget\"") && holds(once, "<a n=\"A\">1</a>")) << once;
+    ASSERT_TRUE(application().LoadSettings(file("out.xml")));
+    EXPECT_EQ(saved(), once);
+}
+
+TEST_F(PartlyUnknownSettings, AreNotTheSettingsOfAnotherLevel) {
+    roundTrip(
+        "<node id=\"1024\" type=\"Gadget\" name=\"g\"/>"
+        "<node id=\"2048\" type=\"SceneSettings\" name=\"Settings\" parent=\"1024\"><a n=\"FrameRate\">60</a></node>");
+    EXPECT_EQ(settings().SceneSettings().Path(), L"Settings");
+    EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
+}
+
+TEST_F(PartlyUnknownSettings, AreRefusedAsAWholeWhereTheyCannotBeTrusted) {
+    for (std::string const& nodes :
+         {"<node id=\"1024\" type=\"SceneSettings\" name=\"Settings\"><a n=\"FrameRate\">fast</a></node>"s,
+          "<node id=\"1024\" type=\"Gadget\" parent=\"1024\"/>"s, "<node id=\"-4\" type=\"Gadget\"/>"s,
+          "<node id=\"1024\" type=\"Gadget\"/><node id=\"1024\" type=\"Gadget\"/>"s,
+          "<node id=\"1024\" type=\"Gadget\"><a></node>"s, "<gadget/>"s,
+          "<node id=\"1024\" type=\"Gadget\">" + repeated("<a>", 100000)}) {
+        write("in.xml", "<tavo format=\"1\" name=\"Settings\" ids=\"9000\">" + nodes + "</tavo>");
+        settings().SceneSettings().FrameRate().SetInteger(60);
+        EXPECT_FALSE(application().LoadSettings(file("in.xml"))) << nodes.substr(0, 200);
+        EXPECT_EQ(log.errors().size(), 1u) << nodes.substr(0, 200);
+        EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
+        log.clear();
+    }
+}
+
+TEST_F(PartlyUnknownSettings, GiveTheDefaultsWhereverTheirFileWasCutOff) {
+    std::string const whole = roundTrip(
+        "<node id=\"1024\" type=\"SceneSettings\" name=\"Settings\"><a n=\"FrameRate\">60</a><a n=\"N\">1</a></node>"
+        "<node id=\"2048\" type=\"Gadget\" name=\"gadget\"/>");
+    std::size_t const end = whole.rfind('>');
+    for (std::size_t length = 0; length <= end; ++length) {
+        write("cut.xml", whole.substr(0, length));
+        EXPECT_FALSE(application().LoadSettings(file("cut.xml"))) << length;
+        EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
+    }
+}
+
+// ---- a kill ----
+
+// In a process of its own saves again and again, with one of two contents in turn, until it is killed.
+class KilledSaver : public Settings {
+protected:
+    void fill(int content) {
+        settings().SceneSettings().Attribute(L"Notes").SetString(std::wstring(400'000, content ? L'b' : L'a'));
+    }
+    bool save() const { return application().SaveSettings(file("settings.xml")); }
+    std::string content() const { return read("settings.xml"); }
+    void saveUntilKilled() {
+        for (int i = 1; save(); ++i) fill(i % 2);
+        ::_exit(1);
+    }
+    void killAfter(std::chrono::microseconds delay) {
+        pid_t const child = ::fork();
+        if (child == 0) saveUntilKilled();
+        std::this_thread::sleep_for(delay);
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "a save failed";
+    }
+    std::size_t fileCount() const {
+        return std::size_t(std::distance(std::filesystem::directory_iterator(folder), {}));
+    }
+};
+
+TEST_F(KilledSaver, LeavesTheOldSettingsOrTheNewOnesWhole) {
+    settings().SceneSettings().AddStringAttribute(L"Notes", L"");
+    std::string contents[2];
+    std::chrono::microseconds oneSave{};
+    for (int i : {1, 0}) {
+        fill(i);
+        auto const start = std::chrono::steady_clock::now();
+        ASSERT_TRUE(save());
+        oneSave = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+        contents[i] = content();
+        ASSERT_GT(contents[i].size(), 400'000u);
+        EXPECT_TRUE(application().LoadSettings(file("settings.xml")));
+    }
+    std::mt19937 random(1);
+    std::uniform_int_distribution<long> delay(0, 2 * oneSave.count());
+    for (int kill = 0; kill < 200; ++kill) {
+        killAfter(std::chrono::microseconds(delay(random)));
+        std::string const left = content();
+        ASSERT_TRUE(left == contents[0] || left == contents[1]) << "kill " << kill << ": " << left.size() << " bytes";
+        ASSERT_LE(fileCount(), 2u);
+    }
+    EXPECT_TRUE(application().LoadSettings(file("settings.xml")));
+    ASSERT_TRUE(save());
+    EXPECT_EQ(fileCount(), 1u) << "the next save takes away what the killed one left";
+}
 
 // ---- translators ----
 
