@@ -114,6 +114,73 @@ TEST_F(Settings, AChangeOfTheirsReachesTheirObserversAndNoScene) {
     EXPECT_EQ(recorder.take(), Events{"SettingsChanged"});
 }
 
+TEST_F(Settings, AChangeInAGestureIsToldAsOne) {
+    Recorder recorder(true);
+    settings().BeginChangeBlock(true);
+    settings().SceneSettings().FrameRate().SetInteger(25);
+    settings().EndChangeBlock();
+    EXPECT_EQ(recorder.take(), Events{"SettingsChanged transient"});
+    application().Update();
+    EXPECT_EQ(recorder.take(), Events{"SettingsChanged"});
+}
+
+TEST_F(Settings, ATakenBackChangeReachesTheirObserversAndNoScene) {
+    settings().BeginChangeBlock();
+    settings().SceneSettings().FrameRate().SetInteger(25);
+    settings().EndChangeBlock();
+    Recorder recorder(true);
+    settings().SceneGraph()->Undo();
+    EXPECT_EQ(recorder.take(), Events{"SettingsChanged"});
+    EXPECT_EQ(settings().SceneSettings().FrameRate().Integer(), 24);
+}
+
+TEST_F(Settings, TheirObserversSeeWhatChanged) {
+    struct Observer : XSettingsObserver {
+        void OnSettingsChanged(XSettingsChange const& change, bool) override {
+            XSceneSettings const object = change.Settings().SceneSettings();
+            isOfSettings = &change.Settings() == &settings();
+            isFrameRate = change.IsAttributeChanged(object.FrameRate());
+            isTime = change.IsAttributeChanged(object.Time());
+        }
+        bool isOfSettings = false, isFrameRate = false, isTime = true;
+    } observer;
+    application().AddSettingsObserver(&observer);
+    settings().BeginChangeBlock();
+    settings().SceneSettings().FrameRate().SetInteger(25);
+    settings().EndChangeBlock();
+    application().RemoveSettingsObserver(&observer);
+    EXPECT_TRUE(observer.isOfSettings && observer.isFrameRate);
+    EXPECT_FALSE(observer.isTime);
+}
+
+TEST_F(Settings, AreNamedAndEmptyOfAllElseWhenMadeNew) {
+    settings().SceneSettings().AddStringAttribute(L"recent", L"walk.bvh");
+    settings().CreateObject(XSceneSettings::TypeID);
+    Recorder recorder;
+    settings().New();
+    EXPECT_EQ(recorder.take(), (Events{"SettingsCreated", "SettingsLoaded"}));
+    EXPECT_EQ(settings().SceneGraph()->getDatabaseName(), L"Settings");
+    EXPECT_FALSE(settings().SceneSettings().HasCustomAttributes());
+    Qelutils::Vector<XObject> all;
+    settings().Objects(all);
+    EXPECT_EQ(all.size(), 1u);
+    EXPECT_EQ(undoSteps(), 0u);
+    EXPECT_EQ(settings().SceneGraph()->getMaxUndoItems(), XSettings::MaximumUndoSteps);
+}
+
+// Only a scene holds on to its own: meant so. The next load or New makes it again.
+TEST_F(Settings, TheirObjectMayBeRenamedAndDeleted) {
+    XObject object = settings().SceneSettings();
+    EXPECT_TRUE(object.SupportsRenaming() && object.SupportsDeletion());
+    object.SetName(L"other");
+    EXPECT_EQ(object.Name(), L"other");
+    object.Delete();
+    EXPECT_FALSE(settings().SceneSettings().IsValid());
+    ASSERT_TRUE(application().SaveSettings(file("settings.xml")));
+    EXPECT_TRUE(application().LoadSettings(file("settings.xml")));
+    EXPECT_EQ(settings().SceneSettings().Path(), L"Settings");
+}
+
 TEST_F(Settings, HaveNoUnits) {
     float value = 2;
     settings().ConvertUnits(LengthUnit, ToExternalUnits, value);
