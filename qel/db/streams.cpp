@@ -3,14 +3,16 @@
 #include "qel/utils/text.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,10 +31,35 @@ std::string resolved(std::string const& path) {
     return real ? std::string(real.get()) : path;
 }
 
-// Distinct within the process; the process number keeps those of other processes away.
-std::string temporaryName() {
-    static std::atomic<unsigned> counter{0};
-    return ".save-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+// The temporary files of a target are numbered, so that a save finds what an earlier one left behind. The target's own
+// name would make too long a name: its hash (FNV-1a) stands for it. Should two targets share one, they share the
+// numbers.
+std::string temporaryName(std::string const& target, int number) {
+    std::uint64_t hash = 0xcbf29ce484222325;
+    for (unsigned char c : target) hash = (hash ^ c) * 0x100000001b3;
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+    return ".save-" + std::string(digits) + "-" + std::to_string(number);
+}
+
+// A temporary file is locked by the stream that writes it until it has its final name or is gone, and whoever takes its
+// name away holds that lock. The lock of a process that died is free, wherever that process ran.
+bool lock(int file) { return ::flock(file, LOCK_EX | LOCK_NB) == 0; }
+
+bool isNamed(int folder, std::string const& name, struct stat const& file) {
+    struct stat named = {};
+    return ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 && named.st_ino == file.st_ino &&
+           named.st_dev == file.st_dev;
+}
+
+// Does nothing where there is no such file, where it is in use, or where the file system knows no locks.
+void removeAbandoned(int folder, std::string const& name) {
+    FileDescriptor file;
+    file.reset(::openat(folder, name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && lock(file.get()) &&
+        isNamed(folder, name, status))
+        ::unlinkat(folder, name.c_str(), 0);
 }
 
 bool hasZero(std::wstring const& path) { return path.find(L'\0') != std::wstring::npos; }
@@ -145,14 +172,22 @@ bool FileOutputStream::openTemporary() {
 }
 
 bool FileOutputStream::createTemporary(unsigned permissions) {
-    int descriptor;
-    do {
-        temporary_ = temporaryName();
-        descriptor = ::openat(folder_.get(), temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
-    } while (descriptor < 0 && errno == EEXIST);
-    file_.reset(descriptor);
+    constexpr int mostAbandoned = 8;  // as many saves of one file would have to die at the same time
+    for (int number = 0; number < mostAbandoned; ++number) removeAbandoned(folder_.get(), temporaryName(name_, number));
+    for (int number = 0;; ++number) {
+        temporary_ = temporaryName(name_, number);
+        file_.reset(::openat(folder_.get(), temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
+        if (file_.isOpen() ? lockTemporary() : errno != EEXIST) break;
+    }
     if (!file_.isOpen()) temporary_.clear();
     return file_.isOpen();
+}
+
+// False when another save took the new file for an abandoned one, in the moment before it was locked.
+bool FileOutputStream::lockTemporary() {
+    struct stat status = {};
+    bool const taken = !lock(file_.get()) && errno == EWOULDBLOCK;
+    return !taken && ::fstat(file_.get(), &status) == 0 && status.st_nlink > 0;
 }
 
 bool FileOutputStream::write(char const* data, std::size_t size) {
@@ -174,11 +209,13 @@ bool FileOutputStream::commit() {
     return replaceTarget() || failSystem(errno);
 }
 
-// In this order: were the rename on the disk before the bytes, a power cut could leave an empty file.
+// In this order: were the rename on the disk before the bytes, a power cut could leave an empty file; and were the file
+// closed before the rename, another save could take it for abandoned.
 bool FileOutputStream::replaceTarget() {
-    if (::fsync(file_.get()) != 0 || !file_.close()) return false;
+    if (::fsync(file_.get()) != 0) return false;
     if (::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name_.c_str()) != 0) return false;
     temporary_.clear();
+    file_.close();                                          // has nothing to report after the sync
     return ::fsync(folder_.get()) == 0 || errno == EINVAL;  // some file systems can't sync a folder
 }
 

@@ -3,7 +3,8 @@
 //
 // A file is saved whole or not at all. FileOutputStream writes to a new file in the target's folder, and `commit` puts
 // it in the target's place once it is on the disk. A stream that is destroyed without a commit removes the new file; a
-// process that is killed leaves it behind (".save-...") with the old target untouched.
+// process that is killed leaves it behind (".save-...") with the old target untouched, and the next save of that target
+// removes it.
 #pragma once
 #include <cstddef>
 #include <string>
@@ -100,6 +101,7 @@ private:
     bool openFolder();
     bool openTemporary();
     bool createTemporary(unsigned permissions);
+    bool lockTemporary();
     bool replaceTarget();
     bool failSystem(int code);
 

@@ -58,7 +58,7 @@ public:
     XSceneSettings& SetPlaybackEndFrame(float frame) { return setFrame(PlaybackEndTime(), frame); }
     float SimulationTimeStep() const;  // seconds; a sixtieth when the rate is 0 or less
 
-    // False for the document's own settings object.
+    // False for a scene's own settings object, true for any other, that of the application's settings included.
     bool supportsDeletion() const override { return !isSystemSettings(); }
     bool supportsRenaming() const override { return !isSystemSettings(); }
     void onInitialize() override;

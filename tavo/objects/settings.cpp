@@ -36,8 +36,7 @@ bool translate(XSettings const& settings, std::wstring const& file, Translation 
     XTranslatorDef* const translator = found == settings.Translators().end() ? nullptr : found->second;
     XApplication& application = XApplication::Instance();
     if (translator && (translator->*task.supports)()) return (translator->*task.run)(application.ActiveScene(), file);
-    // Of an unknown extension only the failure is told; a file without any names no format at all.
-    if (translator || extension.empty()) application.LogError(task.noTranslator, extension);
+    application.LogError(task.noTranslator, extension);
     return false;
 }
 
@@ -54,8 +53,11 @@ void XSettings::Register() {
 }
 
 void XSettings::bindSettingsObjects() {
-    _sceneSettings = XSceneSettings(SceneGraph()->Node(Name));
+    XObject namesake(SceneGraph()->Node(Name));
+    _sceneSettings = XSceneSettings(namesake);
     if (_sceneSettings.IsValid()) return;
+    // An object of another type gives the name up: else each load of the file would add a settings object.
+    namesake.SetName(namesake.ObjectType(), true);
     _sceneSettings = XSceneSettings(CreateObject(XSceneSettings::TypeID));
     _sceneSettings.SetName(Name, true);
 }
@@ -91,7 +93,8 @@ void XSettings::endDocumentLevelChange() {
 }
 
 void XSettings::ImportFile(std::wstring const& file) {
-    if (!translate(*this, file, importing)) XApplication::Instance().LogError(importing.failure, file);
+    if (!translate(XApplication::Instance().Settings(), file, importing))
+        XApplication::Instance().LogError(importing.failure, file);
 }
 
 void XSettings::ExportFile(std::wstring const& file) {

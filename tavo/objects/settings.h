@@ -22,8 +22,9 @@ public:
     XSettings& Open();         // after the database has been loaded
     XSceneSettings SceneSettings() const { return _sceneSettings; }
 
-    // Find a translator by the file's extension and have it work on the active scene. An error is logged when there is
-    // none, or when it fails. The extension is all that follows the first "." of the whole path, as it stands.
+    // Find a translator by the file's extension and have it work on the active scene. A failure is logged; before it,
+    // where no translator knows the extension or can do this, so is the extension: all that follows the first "." of
+    // the whole path, in upper case.
     void ImportFile(std::wstring const& file);
     void ExportFile(std::wstring const& file);
 

@@ -142,42 +142,5 @@ TEST_F(AttributeAnimationTest, MakingACurveIsUndone) {
     EXPECT_EQ(joint.TranslationX().Float(), 7);
 }
 
-// ---- layers ----
-
-struct LayersTest : StartedApplication {
-    LayersTest() : layers(scene().CreateObject(XAnimationLayers::TypeID)) {}
-    XAnimationLayers layers;
-};
-
-TEST_F(LayersTest, AFreshTableHoldsTheBaseLayer) {
-    ASSERT_EQ(layers.LayerCount(), 1);
-    EXPECT_EQ(layers.LayerLabel(0), L"Background");
-    EXPECT_EQ(layers.LayerWeight(0), 1);
-    EXPECT_TRUE(layers.IsOverrideLayer(0));
-    EXPECT_TRUE(layers.IsVisibleLayer(0));
-}
-
-TEST_F(LayersTest, LabelsCountTheBaseLayerAndAreNotMadeUnique) {
-    layers.AddLayer().AddLayer();
-    EXPECT_EQ(layers.LayerLabel(1), L"Animation Layer 2");
-    EXPECT_EQ(layers.LayerLabel(2), L"Animation Layer 3");
-    EXPECT_FALSE(layers.IsOverrideLayer(1));
-    layers.SetLayerLabel(1, L"Animation Layer 4").AddLayer();
-    EXPECT_EQ(layers.LayerLabel(3), L"Animation Layer 4");
-}
-
-TEST_F(LayersTest, FieldsAreWrittenAndClearedToTheBaseLayer) {
-    layers.AddLayer().SetLayerWeight(1, 0.5F).SetLayerColour(1, 0.1F, 0.2F, 0.3F, 0.4F);
-    layers.SetIsVisibleLayer(1, false).SetIsOverrideLayer(1, true);
-    EXPECT_EQ(layers.LayerWeight(1), 0.5F);
-    EXPECT_EQ(layers.LayerColour(1), XColour(0.1F, 0.2F, 0.3F, 0.4F));
-    EXPECT_FALSE(layers.IsVisibleLayer(1));
-    EXPECT_TRUE(layers.IsOverrideLayer(1));
-    layers.SetLayerLabel(0, L"mine").ClearLayers();
-    EXPECT_EQ(layers.LayerCount(), 1);
-    EXPECT_EQ(layers.LayerLabel(0), L"Background");
-    XAnimationLayers().ClearLayers();
-}
-
 }  // namespace
 }  // namespace Tavo

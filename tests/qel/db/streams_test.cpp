@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -263,6 +264,72 @@ TEST_F(Streams, AProcessKilledAfterTheCommitLeavesTheNewFile) {
     });
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(get("a"), "new");
+}
+
+TEST_F(Streams, WhatAKilledSaveLeftIsRemovedByTheNextSaveOfThatFile) {
+    for (int killed = 0; killed < 3; ++killed) {
+        inChild([&] {
+            db::FileOutputStream first(wide("a"), 0, 1), second(wide("a"), 0, 1);
+            if (first.write("half", 4) && second.write("half", 4)) ::kill(::getpid(), SIGKILL);
+        });
+        EXPECT_EQ(fileCount(), 2u + (killed > 0));
+        ASSERT_TRUE(save("a", "new"));
+        EXPECT_EQ(fileCount(), 1u);
+        EXPECT_EQ(get("a"), "new");
+    }
+}
+
+TEST_F(Streams, WhatAnotherProcessIsSavingStays) {
+    int reached[2], go[2];
+    ASSERT_TRUE(::pipe(reached) == 0 && ::pipe(go) == 0);
+    pid_t child = ::fork();
+    if (child == 0) {
+        db::FileOutputStream stream(wide("a"), 0, 1);
+        char c = 'x';
+        bool ok = stream.write("theirs", 6) && ::write(reached[1], &c, 1) == 1 && ::read(go[0], &c, 1) == 1;
+        ::_exit(ok && stream.commit() ? 0 : 1);
+    }
+    char c;
+    ASSERT_EQ(::read(reached[0], &c, 1), 1);
+    EXPECT_TRUE(save("a", "mine"));
+    EXPECT_EQ(get("a"), "mine");
+    ASSERT_EQ(::write(go[1], &c, 1), 1);
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(get("a"), "theirs");
+    EXPECT_EQ(fileCount(), 1u);
+    for (int end : {reached[0], reached[1], go[0], go[1]}) ::close(end);
+}
+
+TEST_F(Streams, ASaveOfAnotherFileLeavesWhatIsNotItsOwn) {
+    inChild([&] {
+        db::FileOutputStream stream(wide("a"), 0, 1);
+        if (stream.write("half", 4)) ::kill(::getpid(), SIGKILL);
+    });
+    ASSERT_TRUE(save("b", "new"));
+    EXPECT_EQ(fileCount(), 2u);
+}
+
+TEST_F(Streams, SavesOfOneFileAtTheSameTimeDoNotTakeEachOthersFiles) {
+    std::vector<pid_t> children;
+    for (int child = 0; child < 4; ++child)
+        if (pid_t id = ::fork())
+            children.push_back(id);
+        else {
+            std::string const text(1000, char('a' + child));
+            for (int i = 0; i < 50; ++i)
+                if (!save("a", text)) ::_exit(1);
+            ::_exit(0);
+        }
+    for (pid_t child : children) {
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    std::string const text = get("a");
+    EXPECT_EQ(text, std::string(1000, text.empty() ? '-' : text[0]));
+    EXPECT_EQ(fileCount(), 1u);
 }
 
 TEST_F(Streams, KilledAtAnyTimeAFileIsOldOrNewButWhole) {

@@ -1,0 +1,10 @@
+#include "tavo/kinematics/ik_handle.h"
+
+namespace Tavo {
+
+void XIKHandle::onInitialize() {
+    XTyped::onInitialize();
+    initializeAs(DefaultName, DefaultColour);
+}
+
+}  // namespace Tavo

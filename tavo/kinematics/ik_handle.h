@@ -1,0 +1,26 @@
+// XIKHandle: what a user drags to pose a chain: the target of one end effector of a solver.
+#pragma once
+#include "tavo/kinematics/transform.h"
+
+namespace Tavo {
+
+class XIKHandle : public XTyped<XIKHandle, XTransform, sg::IKHandleNode> {
+public:
+    static constexpr XWord TypeID = L"IKHandle", DefaultName = L"ikHandle", DefaultSuffix = L"_IK";
+    static constexpr XColour DefaultColour{1, 0, 0.4f, 1};
+    using XTyped::XTyped;
+
+    TAVO_ATTRIBUTE(IKSolverReference, 51)
+    TAVO_ATTRIBUTE(IKRootReference, 52)
+    TAVO_ATTRIBUTE(IKEffectorReference, 53)
+    TAVO_ATTRIBUTE(IKRootWorldMatrix, 54)         // input
+    TAVO_ATTRIBUTE(IKEndEffectorWorldMatrix, 55)  // input
+    TAVO_ATTRIBUTE(IKHandleEnabled, 56)
+    TAVO_ATTRIBUTE(SolverParameters, 57)  // 0 mode, 1 position weight, 2 orientation weight, 3 depth, 4 enabled
+    TAVO_ATTRIBUTE(IsPrimary, 58)         // its effector was chosen, and does not only lie on the way to the root
+
+    void onInitialize() override;
+};
+using XIKHandleDef = XTypedDef<XIKHandle>;
+
+}  // namespace Tavo

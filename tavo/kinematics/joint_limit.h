@@ -1,0 +1,45 @@
+// XJointLimit: the range of rotation of a joint, between a fixed frame and a moving frame. It is an object of its own
+// beside the joint. Its world matrix is the fixed frame; the moving frame is MovingOffsetMatrix times the joint's world
+// matrix. Angles are in radians.
+#pragma once
+#include "tavo/kinematics/transform.h"
+#include <numbers>
+
+namespace Tavo {
+
+class XJointLimit : public XTyped<XJointLimit, XTransform, sg::JointLimitNode> {
+public:
+    static constexpr XWord TypeID = L"JointLimit", DefaultName = L"jointLimit", DefaultSuffix = L"Limit";
+    static constexpr float DefaultSwingLimitAngle = std::numbers::pi_v<float> / 4,
+                           DefaultTwistAngle = std::numbers::pi_v<float> / 2, DefaultTwistOffset = 0;
+    static constexpr float DefaultSwingSoftLimitRatio = 0.7f, DefaultTwistSoftRatio = 0.7f;
+    static constexpr XColour DefaultColour{0.1f, 0.25f, 0.5f, 0.6f};
+    using XTyped::XTyped;
+
+    TAVO_ATTRIBUTE(JointReference, 51)
+    TAVO_ATTRIBUTE(JointWorldMatrix, 52)    // input
+    TAVO_ATTRIBUTE(JointLocalMatrix, 53)    // input
+    TAVO_ATTRIBUTE_XYZ(MovingOffset, 54)    // Euler angles of the moving frame, relative to the joint
+    TAVO_ATTRIBUTE(MovingOffsetMatrix, 57)  // output: the matrix of those angles
+    TAVO_ATTRIBUTE(LimitType, 58)           // 0 "BallSocket", 1 "Hinge"
+    TAVO_ATTRIBUTE(Swing1Active, 59)
+    TAVO_ATTRIBUTE(Swing1Angle, 60)
+    TAVO_ATTRIBUTE(Swing2Active, 61)
+    TAVO_ATTRIBUTE(Swing2Angle, 62)
+    TAVO_ATTRIBUTE(TwistActive, 63)
+    TAVO_ATTRIBUTE(TwistAngle, 64)
+    TAVO_ATTRIBUTE(TwistOffset, 65)
+    TAVO_ATTRIBUTE(SoftSwingActive, 66)
+    TAVO_ATTRIBUTE(SoftSwing1Ratio, 67)  // of the angle, from where the limit begins to resist
+    TAVO_ATTRIBUTE(SoftSwing2Ratio, 68)
+    TAVO_ATTRIBUTE(SoftTwistActive, 69)
+    TAVO_ATTRIBUTE(SoftTwistRatio, 70)
+    TAVO_ATTRIBUTE(DisplayScale, 71)
+    TAVO_ATTRIBUTE(ShowFixedAxes, 72)
+    TAVO_ATTRIBUTE(ShowMovingAxes, 73)
+
+    void onInitialize() override;
+};
+using XJointLimitDef = XTypedDef<XJointLimit>;
+
+}  // namespace Tavo

@@ -1,0 +1,10 @@
+#include "tavo/kinematics/pole_vector.h"
+
+namespace Tavo {
+
+void XPoleVector::onInitialize() {
+    XTyped::onInitialize();
+    initializeAs(DefaultName, DefaultColour);
+}
+
+}  // namespace Tavo

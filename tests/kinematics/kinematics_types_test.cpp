@@ -1,0 +1,141 @@
+// The typed handles of this floor: what they are, and the numbers of their attributes.
+#include "tests/objects/typed_object.h"
+
+namespace Tavo {
+namespace {
+
+using KinematicsTypes = StartedApplication;
+
+TEST_F(KinematicsTypes, AreValidOnTheirOwnNodesAlone) {
+    expectType<XCharacter>(scene(), L"Character", L"Character");
+    expectType<XIKHandle>(scene(), L"IKHandle", L"IKHandle");
+    expectType<XIKSolver>(scene(), L"IKSolver", L"IKSolver");
+    expectType<XJointLimit>(scene(), L"JointLimit", L"JointLimit");
+    expectType<XMeshInstance>(scene(), L"MeshInstance", L"MeshInstance");
+    expectType<XPoleVector>(scene(), L"PoleVector", L"PoleVector");
+    expectType<XPrimitive>(scene(), L"Shape", L"Primitive");
+    expectType<XTrajectory>(scene(), L"Trajectory", L"Trajectory");
+}
+
+// clang-format off
+TEST_F(KinematicsTypes, XCharacterHasItsAttributesAtTheirNumbers) {
+    XCharacter const o = makeObject<XCharacter>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 51, IsEditable),
+    });
+}
+
+TEST_F(KinematicsTypes, XIKHandleHasItsAttributesAtTheirNumbers) {
+    XIKHandle const o = makeObject<XIKHandle>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 51, IKSolverReference), TAVO_NUMBER(o, 52, IKRootReference),
+        TAVO_NUMBER(o, 53, IKEffectorReference), TAVO_NUMBER(o, 54, IKRootWorldMatrix),
+        TAVO_NUMBER(o, 55, IKEndEffectorWorldMatrix), TAVO_NUMBER(o, 56, IKHandleEnabled),
+        TAVO_NUMBER(o, 57, SolverParameters), TAVO_NUMBER(o, 58, IsPrimary),
+    });
+}
+
+TEST_F(KinematicsTypes, XIKSolverHasItsAttributesAtTheirNumbers) {
+    XIKSolver const o = makeObject<XIKSolver>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 1, AllowCompute), TAVO_NUMBER(o, 8, IKHandleReferences),
+        TAVO_NUMBER(o, 9, EndEffectorTransforms), TAVO_NUMBER(o, 10, RootJoints), TAVO_NUMBER(o, 11, JointHierarchy),
+        TAVO_NUMBER(o, 12, EndEffectorIndexList), TAVO_NUMBER(o, 13, RootIndexList), TAVO_NUMBER(o, 14, InputTargets),
+        TAVO_NUMBER(o, 15, BindPoses), TAVO_NUMBER(o, 16, InputGeometry), TAVO_NUMBER(o, 17, OutputGeometry),
+        TAVO_NUMBER(o, 18, IKHandleEnabled), TAVO_NUMBER(o, 19, IKSolverEnabled), TAVO_NUMBER(o, 20, DrawDebugLines),
+        TAVO_NUMBER(o, 21, RootLocked), TAVO_NUMBER(o, 22, LockRootX), TAVO_NUMBER(o, 23, LockRootY),
+        TAVO_NUMBER(o, 24, LockRootZ), TAVO_NUMBER(o, 25, ContinuousMode), TAVO_NUMBER(o, 26, MaxIterations),
+        TAVO_NUMBER(o, 27, MoreBias), TAVO_NUMBER(o, 28, ReverseBias), TAVO_NUMBER(o, 29, PositionAccuracy),
+        TAVO_NUMBER(o, 30, OrientationAccuracy), TAVO_NUMBER(o, 31, DisableAllLimits),
+        TAVO_NUMBER(o, 32, IKHandleParams), TAVO_NUMBER(o, 33, JointIKParams), TAVO_NUMBER(o, 34, AssociatedObjects),
+    });
+}
+
+TEST_F(KinematicsTypes, XJointLimitHasItsAttributesAtTheirNumbers) {
+    XJointLimit const o = makeObject<XJointLimit>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 51, JointReference), TAVO_NUMBER(o, 52, JointWorldMatrix),
+        TAVO_NUMBER(o, 53, JointLocalMatrix), TAVO_NUMBER(o, 54, MovingOffsetX), TAVO_NUMBER(o, 55, MovingOffsetY),
+        TAVO_NUMBER(o, 56, MovingOffsetZ), TAVO_NUMBER(o, 57, MovingOffsetMatrix), TAVO_NUMBER(o, 58, LimitType),
+        TAVO_NUMBER(o, 59, Swing1Active), TAVO_NUMBER(o, 60, Swing1Angle), TAVO_NUMBER(o, 61, Swing2Active),
+        TAVO_NUMBER(o, 62, Swing2Angle), TAVO_NUMBER(o, 63, TwistActive), TAVO_NUMBER(o, 64, TwistAngle),
+        TAVO_NUMBER(o, 65, TwistOffset), TAVO_NUMBER(o, 66, SoftSwingActive), TAVO_NUMBER(o, 67, SoftSwing1Ratio),
+        TAVO_NUMBER(o, 68, SoftSwing2Ratio), TAVO_NUMBER(o, 69, SoftTwistActive), TAVO_NUMBER(o, 70, SoftTwistRatio),
+        TAVO_NUMBER(o, 71, DisplayScale), TAVO_NUMBER(o, 72, ShowFixedAxes), TAVO_NUMBER(o, 73, ShowMovingAxes),
+    });
+}
+
+TEST_F(KinematicsTypes, XMeshInstanceHasItsAttributesAtTheirNumbers) {
+    XMeshInstance const o = makeObject<XMeshInstance>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 18, Mesh), TAVO_NUMBER(o, 19, Material), TAVO_NUMBER(o, 20, InheritColour),
+        TAVO_NUMBER(o, 21, InheritScale), TAVO_NUMBER(o, 22, DisplayStyle), TAVO_NUMBER(o, 23, HighlightStyle),
+        TAVO_NUMBER(o, 24, DoubleSided),
+    });
+}
+
+TEST_F(KinematicsTypes, XPoleVectorHasItsAttributesAtTheirNumbers) {
+    XPoleVector const o = makeObject<XPoleVector>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 51, ControlJoint), TAVO_NUMBER(o, 52, EndEffector), TAVO_NUMBER(o, 53, Enabled),
+        TAVO_NUMBER(o, 54, Weight), TAVO_NUMBER(o, 55, PoleVector),
+    });
+}
+
+TEST_F(KinematicsTypes, XPrimitiveHasItsAttributesAtTheirNumbers) {
+    XPrimitive const o = makeObject<XPrimitive>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 18, Shape), TAVO_NUMBER(o, 19, Width), TAVO_NUMBER(o, 20, Height), TAVO_NUMBER(o, 21, Length),
+        TAVO_NUMBER(o, 22, Radius), TAVO_NUMBER(o, 23, Volume), TAVO_NUMBER(o, 24, InheritColour),
+        TAVO_NUMBER(o, 25, InheritScale), TAVO_NUMBER(o, 26, DisplayStyle), TAVO_NUMBER(o, 27, HighlightStyle),
+        TAVO_NUMBER(o, 29, RadialSegments), TAVO_NUMBER(o, 30, ArcSegments),
+    });
+}
+
+TEST_F(KinematicsTypes, XTrajectoryHasItsAttributesAtTheirNumbers) {
+    XTrajectory const o = makeObject<XTrajectory>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 51, InputValue), TAVO_NUMBER(o, 52, InputUnits), TAVO_NUMBER(o, 53, OutputUnits),
+        TAVO_NUMBER(o, 54, PreInfinity), TAVO_NUMBER(o, 55, PostInfinity),
+        TAVO_NUMBER(o, 56, IsTranslationCurveSampled), TAVO_NUMBER(o, 57, InterpolationTangentsCoeff),
+        TAVO_NUMBER(o, 58, TranslationKeyframesArray), TAVO_NUMBER(o, 59, IsRotationCurveSampled),
+        TAVO_NUMBER(o, 60, RotationKeyframesArray), TAVO_NUMBER(o, 61, MaxArcLength),
+        TAVO_NUMBER(o, 62, UseSafeGuards), TAVO_NUMBER(o, 63, SafeGuardsArray),
+        TAVO_NUMBER(o, 64, TimingCurveFirstKeyTime), TAVO_NUMBER(o, 65, TimingCurveLastKeyTime),
+        TAVO_NUMBER(o, 66, TimingHandlesNum), TAVO_NUMBER(o, 67, TimingEnforceMonotonic),
+        TAVO_NUMBER(o, 68, TimingPreserveTips), TAVO_NUMBER(o, 69, TimingTipsDropoffRange),
+        TAVO_NUMBER(o, 70, TimingTipsDropoffPinch), TAVO_NUMBER(o, 71, TimingTipsDropoffBubble),
+        TAVO_NUMBER(o, 72, TimingHandlesTimesArray), TAVO_NUMBER(o, 73, TimingHandlesArcLengthsArray),
+        TAVO_NUMBER(o, 74, TimingHandlesPositionsArray), TAVO_NUMBER(o, 75, SmartEditing),
+        TAVO_NUMBER(o, 76, PaintOnCurve), TAVO_NUMBER(o, 77, PaintThicknessVerticesNum),
+        TAVO_NUMBER(o, 78, PaintCurveRadius), TAVO_NUMBER(o, 79, PaintAnimationName),
+        TAVO_NUMBER(o, 80, LocalCurveMatrix), TAVO_NUMBER(o, 81, WorldCurveMatrix),
+        TAVO_NUMBER(o, 82, ShowCurrentFrame), TAVO_NUMBER(o, 83, ShowTranslationHandles),
+        TAVO_NUMBER(o, 84, ShowRotationCurves), TAVO_NUMBER(o, 85, ShowRotationKeys),
+        TAVO_NUMBER(o, 86, ShowRotationHandles), TAVO_NUMBER(o, 87, ShowTiming), TAVO_NUMBER(o, 88, ShowSafeGuards),
+    });
+}
+// clang-format on
+
+TEST_F(KinematicsTypes, ASolverIsNotDeletedByTheUser) {
+    XIKSolver solver = makeObject<XIKSolver>(scene());
+    EXPECT_FALSE(solver.SupportsDeletion());
+    solver.Delete();
+    EXPECT_TRUE(solver.IsValid());
+    EXPECT_EQ(log.errors().size(), 1u);
+}
+
+TEST_F(KinematicsTypes, ASolverIsLeftAsItsNodeGivesIt) {
+    XIKSolver solver = makeObject<XIKSolver>(scene());
+    solver.MaxIterations().SetInteger(7);
+    solver.Initialize();
+    EXPECT_EQ(solver.MaxIterations().Integer(), 7);
+}
+
+TEST_F(KinematicsTypes, ACharacterStaysWhereItIs) {
+    EXPECT_FALSE(makeObject<XCharacter>(scene()).SupportsReparenting());
+    EXPECT_TRUE(makeObject<XIKHandle>(scene()).SupportsReparenting());
+}
+
+}  // namespace
+}  // namespace Tavo
