@@ -21,6 +21,10 @@ inline constexpr double mostExportedValues = 2e8;  // frames times channels: a t
 
 struct ExportOptions {
     std::optional<Unit> unit;  // none: the one it was imported with, or centimetres
+    Angles angles = Angles::degrees;
+    // Only what is selected and all below it. A joint whose parent is left out becomes a root where it stands in the
+    // world.
+    bool selectedOnly = false;
 };
 
 struct FrameTime {
@@ -34,7 +38,7 @@ FrameTime frameTimeOf(Tavo::XScene const& scene);
 // How many frames the scene's time range holds, both ends included.
 double frameCountOf(Tavo::XScene const& scene, double frameTime);
 
-// On failure (no joints, no end of frames, a clip that cannot be written) `clip` stays as it was.
+// On failure (no joints, nothing selected, no end of frames, a clip that cannot be written) `clip` stays as it was.
 bool exportClip(Tavo::XScene& scene, Clip& clip, Error& error, ExportOptions const& options = {});
 
 }  // namespace bvh

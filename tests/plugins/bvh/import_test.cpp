@@ -148,6 +148,6 @@ TEST_F(Import, OfABadFileSaysWhereAndChangesNothing) {
 TEST(Translator, IsForMotionClips) {
     XBvhTranslatorDef translator;
     EXPECT_EQ(translator.Extension(), L"BVH");
-    EXPECT_EQ(translator.Filter(), L"BVH motion clips (*.bvh)|*.bvh");
+    EXPECT_EQ(translator.Filter(), L"Motion clips (*.bvh)|*.bvh");
     EXPECT_TRUE(translator.IsTranslator() && translator.SupportsImport() && translator.SupportsExport());
 }
