@@ -8,7 +8,7 @@
 // place in the format.
 //
 // Where a channel is more than a curve with a key at each frame, the scene's time is moved to each frame and back, in a
-// transient change block.
+// transient change block; inside a recorded one that makes a step, which changes nothing.
 #pragma once
 #include "plugins/bvh/analysis.h"
 #include "tavo/objects/scene.h"
