@@ -37,6 +37,9 @@ double metresPer(Unit unit);
 char const* symbolOf(Unit unit);                    // "mm", "cm", "m", "in", "ft", "yd"
 bool parseUnit(std::string_view text, Unit& unit);  // a symbol, case aside
 
+// Files are in degrees, as all of the format's makers have it; radians occur, and only who has the file knows.
+enum class Angles : std::uint8_t { degrees, radians };
+
 // In the clip's own unit.
 struct Size {
     int upAxis = 1;         // 1 y or 2 z: the one along which the rest pose extends further; x runs sideways

@@ -1,9 +1,10 @@
 // A motion clip as its file holds it, free of any scene: a hierarchy of joints and a table of numbers, one row a frame.
 //
 // Nothing is converted: lengths are in the file's own unit (which the file does not name, see analysis.h), angles in
-// degrees, axes as the file's maker chose. Text is UTF-8, for these names only pass through on their way to and from
-// the file. The reader fills a clip whose invariants hold (see check() in writer.h); who builds one by hand keeps them:
-// a joint stands after its parent, depth first, and its columns follow those of the joint before it.
+// degrees unless who has the file knows better, axes as the file's maker chose. Text is UTF-8, for these names only
+// pass through on their way to and from the file. The reader fills a clip whose invariants hold (see check() in
+// writer.h); who builds one by hand keeps them: a joint stands after its parent, depth first, and its columns follow
+// those of the joint before it.
 #pragma once
 #include <array>
 #include <cstddef>

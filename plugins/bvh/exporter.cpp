@@ -6,11 +6,13 @@
 #include "plugins/bvh/units.h"
 #include "plugins/bvh/writer.h"
 #include "tavo/animation/animation.h"
+#include "tavo/interaction/selection.h"
 #include "tavo/objects/matrix.h"
 
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace bvh {
 namespace {
@@ -30,7 +32,7 @@ struct Frames {
 
 // One column of the motion: internal values to the file's numbers.
 struct Column {
-    double toInternal;  // metres per unit, or radians per degree
+    double toInternal;  // metres or radians per unit
     double rest = 0;    // what the position is counted from, in the file's unit
     int decimals = 0;   // that sufficed for the values before
     double last = 0;    // the value before
@@ -55,7 +57,10 @@ struct Column {
         return exact;
     }
     // An angle is the same a full turn on; this one is next to the value before.
-    double continued(double degrees) { return last = degrees - 360 * std::round((degrees - last) / 360); }
+    double continued(double angle) {
+        double const turn = fullTurn / toInternal;
+        return last = angle - turn * std::round((angle - last) / turn);
+    }
 };
 
 // ---- what to write of one joint ----
@@ -88,10 +93,25 @@ Qelutils::Vector<XObject> jointsOf(XScene const& scene) {
     return joints;
 }
 
-// Of the first root that has any.
-std::optional<ClipNotes> clipNotesOf(XScene const& scene) {
+Qelutils::Vector<XObject> selectedJointsOf(XScene const& scene) {
+    Qelutils::Vector<XObject> selected, all, joints;
+    scene.Selection().Objects(selected);
+    std::unordered_set<int> chosen;
+    for (XObject const& object : selected) chosen.insert(object.ObjectID());
+    scene.RootObject().DescendantObjects(all);  // parents before children
+    for (XObject const& object : all) {
+        if (!chosen.count(object.ObjectID()) && !chosen.count(object.Parent().ObjectID())) continue;
+        chosen.insert(object.ObjectID());
+        if (object.SupportsType(XJoint::TypeID)) joints.push_back(object);
+    }
+    return joints;
+}
+
+// Of the first of the joints whose clip is known: by itself, or by a joint above that is not among them.
+std::optional<ClipNotes> clipNotesOf(Qelutils::Vector<XObject> const& joints) {
     std::optional<ClipNotes> notes;
-    Qelutils::Vector<XObject> const joints = jointsOf(scene);
+    if (joints.empty()) return notes;
+    for (XObject up = joints.front().Parent(); up.IsValid() && !notes; up = up.Parent()) notes = recallClip(XJoint(up));
     for (std::size_t i = 0; i < joints.size() && !notes; ++i) notes = recallClip(XJoint(joints[i]));
     return notes;
 }
@@ -110,13 +130,12 @@ FrameTime frameTime(XSceneSettings const& settings, std::optional<ClipNotes> con
 
 class Exporter {
 public:
-    Exporter(XScene& scene, ExportOptions const& options) : scene_(scene), settings_(scene.SceneSettings()) {
-        unit_ = options.unit;
-    }
+    Exporter(XScene& scene, Qelutils::Vector<XObject> const& joints, ExportOptions const& options) :
+        scene_(scene), settings_(scene.SceneSettings()), joints_(joints), unit_(options.unit),
+        angle_(radiansPer(options.angles)) {}
 
     bool run(Clip& clip, Error& error) {
         collect();
-        if (sources_.empty()) return error = {"there are no joints in the scene"}, false;
         readClipNotes();
         for (std::size_t i = 0; i < sources_.size(); ++i) describe(i);
         if (!planFrames(error)) return false;
@@ -129,9 +148,8 @@ public:
 private:
     // ---- hierarchy ----
     void collect() {
-        Qelutils::Vector<XObject> const joints = jointsOf(scene_);
         std::unordered_map<int, int> places;
-        for (XObject const& object : joints) {
+        for (XObject const& object : joints_) {
             Source source{XJoint(object), {}, true, 0, {}};
             Joint joint;
             XObject up = object.Parent();
@@ -148,7 +166,7 @@ private:
         }
     }
     void readClipNotes() {
-        notes_ = clipNotesOf(scene_);
+        notes_ = clipNotesOf(joints_);
         unit_ = unit_ ? unit_ : notes_ ? notes_->unit : Unit::centimetre;
         metres_ = metresPer(*unit_);
     }
@@ -235,7 +253,7 @@ private:
         return std::find(all.begin(), all.end(), static_cast<Channel>(kind)) != all.end();
     }
     Column columnOf(Joint const& joint, Channel channel) const {
-        if (isRotation(channel)) return {radiansPerDegree};
+        if (isRotation(channel)) return {angle_};
         return {metres_, adds() ? joint.offset[std::size_t(axisOf(channel))] : 0};
     }
     bool adds() const { return notes_ && notes_->positions == Positions::add; }
@@ -336,10 +354,11 @@ private:
 
     XScene& scene_;
     XSceneSettings settings_;
+    Qelutils::Vector<XObject> const& joints_;
+    std::optional<Unit> unit_;
+    double angle_, metres_ = 1;
     std::vector<Source> sources_;
     std::optional<ClipNotes> notes_;
-    std::optional<Unit> unit_;
-    double metres_ = 1;
     Clip clip_;
     std::vector<Column> columns_;
     Frames frames_;
@@ -347,7 +366,7 @@ private:
 
 }  // namespace
 
-FrameTime frameTimeOf(XScene const& scene) { return frameTime(scene.SceneSettings(), clipNotesOf(scene)); }
+FrameTime frameTimeOf(XScene const& scene) { return frameTime(scene.SceneSettings(), clipNotesOf(jointsOf(scene))); }
 
 double frameCountOf(XScene const& scene, double frameTime) {
     double const start = scene.SceneSettings().StartTime().Float(), end = scene.SceneSettings().EndTime().Float();
@@ -356,7 +375,10 @@ double frameCountOf(XScene const& scene, double frameTime) {
 
 bool exportClip(XScene& scene, Clip& clip, Error& error, ExportOptions const& options) {
     if (!scene.IsValid()) return error = {"there is no scene"}, false;
-    return Exporter(scene, options).run(clip, error);
+    Qelutils::Vector<XObject> const joints = options.selectedOnly ? selectedJointsOf(scene) : jointsOf(scene);
+    if (joints.empty())
+        return error = {options.selectedOnly ? "no joints are selected" : "there are no joints in the scene"}, false;
+    return Exporter(scene, joints, options).run(clip, error);
 }
 
 }  // namespace bvh

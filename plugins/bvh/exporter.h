@@ -8,7 +8,7 @@
 // place in the format.
 //
 // Where a channel is more than a curve with a key at each frame, the scene's time is moved to each frame and back, in a
-// transient change block.
+// transient change block; inside a recorded one that makes a step, which changes nothing.
 #pragma once
 #include "plugins/bvh/analysis.h"
 #include "tavo/objects/scene.h"
@@ -21,6 +21,10 @@ inline constexpr double mostExportedValues = 2e8;  // frames times channels: a t
 
 struct ExportOptions {
     std::optional<Unit> unit;  // none: the one it was imported with, or centimetres
+    Angles angles = Angles::degrees;
+    // Only what is selected and all below it. A joint whose parent is left out becomes a root where it stands in the
+    // world.
+    bool selectedOnly = false;
 };
 
 struct FrameTime {
@@ -34,7 +38,7 @@ FrameTime frameTimeOf(Tavo::XScene const& scene);
 // How many frames the scene's time range holds, both ends included.
 double frameCountOf(Tavo::XScene const& scene, double frameTime);
 
-// On failure (no joints, no end of frames, a clip that cannot be written) `clip` stays as it was.
+// On failure (no joints, nothing selected, no end of frames, a clip that cannot be written) `clip` stays as it was.
 bool exportClip(Tavo::XScene& scene, Clip& clip, Error& error, ExportOptions const& options = {});
 
 }  // namespace bvh

@@ -33,8 +33,9 @@ private:
 
 class Importer {
 public:
-    Importer(Clip const& clip, XScene& scene, ClipNotes const& notes, ImportReport& report) :
-        clip_(clip), scene_(scene), notes_(notes), report_(report), unit_(metresPer(notes.unit)) {
+    Importer(Clip const& clip, XScene& scene, ClipNotes const& notes, Angles angles, ImportReport& report) :
+        clip_(clip), scene_(scene), notes_(notes), report_(report), unit_(metresPer(notes.unit)),
+        angle_(radiansPer(angles)) {
         auto const count = static_cast<std::size_t>(clip.frames);
         inputs_.resize(count);
         for (int k = 0; k < clip.frames; ++k) inputs_[static_cast<std::size_t>(k)] = float(k * clip.frameTime);
@@ -42,12 +43,27 @@ public:
         tangents_.resize(count, 0.0f);
         interpolations_.resize(count, LinearInterpolation);
         continuities_.resize(count, CoupledContinuity);
+        UniqueNames names;
+        for (Joint const& joint : clip.joints) names_.push_back(names.take(sceneName(joint.name)));
     }
 
-    void run() {
+    void deleteNamesakes() {
+        XObject const origin = scene_.RootObject();
+        for (std::size_t i = 0; i < clip_.joints.size(); ++i)
+            if (clip_.joints[i].parent < 0)
+                if (XObject old = origin.Child(names_[i]); old.IsValid()) old.Delete();
+    }
+    void createJoints() {
         joints_.reserve(clip_.joints.size());
         for (Joint const& joint : clip_.joints) createJoint(joint);
-        setTimeRange();
+    }
+    void setTimeRange() {
+        XSceneSettings settings = scene_.SceneSettings();
+        float const end = inputs_.empty() ? 0 : inputs_.back();
+        for (XAttribute first : {settings.StartTime(), settings.PlaybackStartTime(), settings.Time()})
+            first.SetFloat(0);
+        for (XAttribute last : {settings.EndTime(), settings.PlaybackEndTime()}) last.SetFloat(end);
+        settings.FrameRate().SetInteger(wholeFrameRate(clip_));
     }
 
 private:
@@ -63,7 +79,7 @@ private:
             createCurve(made, joint, joint.channels[i], joint.column + int(i));
     }
     void setName(XJoint& made, Joint const& joint) {
-        made.SetName(names_.take(sceneName(joint.name)));
+        made.SetName(names_[joints_.size() - 1]);
         std::wstring const name = made.Name();
         bool const renamed = name != Qelutils::fromUtf8(joint.name);
         if (renamed) report_.renamed.push_back({joint.name, name});
@@ -78,7 +94,7 @@ private:
     void createCurve(XJoint& made, Joint const& joint, Channel channel, int column) {
         int const axis = axisOf(channel);
         if (isRotation(channel)) {
-            for (int k = 0; k < clip_.frames; ++k) outputs_[std::size_t(k)] = toRadians(clip_.value(k, column));
+            for (int k = 0; k < clip_.frames; ++k) outputs_[std::size_t(k)] = toRadians(clip_.value(k, column), angle_);
         } else {
             double const rest = notes_.positions == Positions::add ? joint.offset[std::size_t(axis)] : 0;
             for (int k = 0; k < clip_.frames; ++k)
@@ -97,22 +113,14 @@ private:
         curve.KeyframeInterpolations().SetEnumeration(interpolations_);
         curve.KeyframeContinuities().SetEnumeration(continuities_);
     }
-    void setTimeRange() {
-        XSceneSettings settings = scene_.SceneSettings();
-        float const end = inputs_.empty() ? 0 : inputs_.back();
-        for (XAttribute first : {settings.StartTime(), settings.PlaybackStartTime(), settings.Time()})
-            first.SetFloat(0);
-        for (XAttribute last : {settings.EndTime(), settings.PlaybackEndTime()}) last.SetFloat(end);
-        settings.FrameRate().SetInteger(wholeFrameRate(clip_));
-    }
 
     Clip const& clip_;
     XScene& scene_;
     ClipNotes const& notes_;
     ImportReport& report_;
-    double unit_;
+    double unit_, angle_;
     std::vector<XJoint> joints_;
-    UniqueNames names_;
+    std::vector<std::wstring> names_;  // of each joint of the clip
     Floats inputs_, outputs_, tangents_;
     Qelutils::Vector<int> interpolations_, continuities_;
 };
@@ -146,7 +154,10 @@ bool importClip(Clip const& clip, XScene& scene, ImportOptions const& options, I
     }
     ClipNotes const notes{clip.frameTimeText.empty() ? Qelutils::number(clip.frameTime) : clip.frameTimeText,
                           found.unit, found.positions.positions};
-    Importer(clip, scene, notes, found).run();
+    Importer importer(clip, scene, notes, options.angles, found);
+    if (options.replace) importer.deleteNamesakes();
+    importer.createJoints();
+    if (options.resetTimeline) importer.setTimeRange();
     return true;
 }
 

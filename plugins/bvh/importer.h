@@ -3,7 +3,7 @@
 //
 // A joint's Euler order is that of its channels, so that curves hold the very angles of the file. Names are made unique
 // in the clip; what else export needs is kept in custom attributes (scene_notes.h). The scene's time range becomes the
-// clip's, its frame rate the nearest whole one; keys stand at frame times frame time exactly.
+// clip's, its frame rate the nearest whole one, unless they are to stay; keys stand at frame times frame time exactly.
 //
 // Position channels replace the OFFSET or are added to it, and lengths have a unit: neither is in the file, so both are
 // judged (analysis.h) unless the caller knows.
@@ -18,6 +18,9 @@ namespace bvh {
 struct ImportOptions {
     Positions positions = Positions::automatic;
     std::optional<Unit> unit;  // none: guessed
+    Angles angles = Angles::degrees;
+    bool replace = false;       // what stands under the origin with the name of a root goes first, with all below it
+    bool resetTimeline = true;  // false: the scene's time, its range and the frame rate stay as they are
 };
 
 struct ImportReport {

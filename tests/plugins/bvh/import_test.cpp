@@ -144,10 +144,3 @@ TEST_F(Import, OfABadFileSaysWhereAndChangesNothing) {
     ASSERT_EQ(log.errors.size(), 1u);
     EXPECT_NE(log.errors[0].find(L"line 4, column 11"), std::wstring::npos) << Qelutils::toUtf8(log.errors[0]);
 }
-
-TEST(Translator, IsForMotionClips) {
-    XBvhTranslatorDef translator;
-    EXPECT_EQ(translator.Extension(), L"BVH");
-    EXPECT_EQ(translator.Filter(), L"BVH motion clips (*.bvh)|*.bvh");
-    EXPECT_TRUE(translator.IsTranslator() && translator.SupportsImport() && translator.SupportsExport());
-}

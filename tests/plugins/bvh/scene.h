@@ -14,11 +14,12 @@ public:
     void Log(Level level, char const* text) override { add(level, Qelutils::fromUtf8(text)); }
     void Log(Level level, wchar_t const* text) override { add(level, text); }
     void Log(Level level, std::wstring const& text) override { add(level, text); }
-    std::vector<std::wstring> errors;
+    std::vector<std::wstring> errors, informations;
 
 private:
     void add(Level level, std::wstring const& text) {
         if (level == Error) errors.push_back(text);
+        if (level == Information) informations.push_back(text);
     }
 };
 
@@ -67,7 +68,6 @@ protected:
 
     RecordingLog log;
 
-private:
     Tavo::XCoreTypes types_;
 };
 
