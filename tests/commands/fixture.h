@@ -5,10 +5,10 @@
 
 namespace Tavo {
 
-inline std::string documentBytes(XScene& scene) {
+inline std::string documentBytes(XDatabase& document) {
     db::StringOutputStream stream;
     db::SaverXML saver(stream);
-    EXPECT_TRUE(saver.save(*scene.SceneGraph())) << Qelutils::toUtf8(saver.error());
+    EXPECT_TRUE(saver.save(*document.SceneGraph())) << Qelutils::toUtf8(saver.error());
     return stream.text();
 }
 
