@@ -1,8 +1,8 @@
 // Change control and history; what the structure is made of stands in structure.cpp.
 #include "qel/db/database.h"
 #include "qel/db/edits.h"
+#include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <utility>
 
 namespace db {
@@ -82,7 +82,11 @@ void Database::endChangeBlock(std::wstring const& label) {
     if (!transient && blockStart_ > 0) relistJournal();
     if (!set_->empty()) prepareCommit(transient);
     depth_ = 0;
-    if (!set_->empty() || (!transient && !journal_.empty())) commit(label, transient);
+    if (!set_->empty() || (!transient && (!journal_.empty() || keepsStep_))) commit(label, transient);
+}
+
+void Database::keepStep() {
+    if (depth_ == 1 && mode_ == ChangeMode::Recorded) keepsStep_ = true;
 }
 
 void Database::prepareCommit(bool transient) {
@@ -96,6 +100,7 @@ void Database::cancel() {
     if (depth_ == 0) return;
     rollBack(blockStart_);
     depth_ = 0;
+    keepsStep_ = false;
     if (!set_->empty()) tell(false);
 }
 
@@ -174,14 +179,15 @@ void Database::relistJournal() {
 // All that is in the journal is listed too: the telling clears both flags in one pass.
 void Database::storeItem(std::wstring const& label) {
     blockStart_ = 0;
-    if (journal_.empty()) return;
+    if (!std::exchange(keepsStep_, false) && journal_.empty()) return;
     dropRedo();
+    std::uint64_t const serial = journal_.empty() ? presentState() : nextSerial_++;
     UndoItem& item = items_.emplace_back();
     item.label = label;
     item.count = journal_.size();
-    item.serial = nextSerial_++;
+    item.serial = serial;
     item.records = std::make_unique_for_overwrite<Record[]>(journal_.size());
-    std::memcpy(item.records.get(), journal_.data(), journal_.size() * sizeof(Record));
+    std::copy(journal_.begin(), journal_.end(), item.records.get());
     ++done_;
     journal_.clear();
     trimHistory();

@@ -56,6 +56,9 @@ public:
     // ---- change control ----
     void beginChangeBlock(ChangeMode mode = ChangeMode::Recorded);  // may nest; the outermost decides the mode
     void endChangeBlock(std::wstring const& label = {});            // only the outermost commits; none open: nothing
+    // The open block, unless it is nested or transient, makes a step of the history even if nothing changes in it. Such
+    // a step leaves the state what it was: at the checkpoint or not.
+    void keepStep();
     // Rolls back what the outermost open block changed and closes all blocks; of a transient one, the whole gesture:
     // all that is pending. The ends that follow find no block and do nothing.
     virtual void cancel();
@@ -227,7 +230,7 @@ private:
     std::uint64_t bottom_ = 0;  // the state below the oldest item
     int depth_ = 0, telling_ = 0;
     ChangeMode mode_ = ChangeMode::Recorded;
-    bool replaying_ = false, committing_ = false;
+    bool replaying_ = false, committing_ = false, keepsStep_ = false;
     ObserverManager observers_;
     Qelutils::BasicLogger* logger_ = nullptr;
 };

@@ -2,6 +2,7 @@
 #include "tavo/app/application.h"
 #include "tavo/commands/transport.h"
 #include "tavo/objects/scene.h"
+#include "tavo/objects/scene_graph.h"
 #include "tavo/objects/settings.h"
 #include <memory>
 
@@ -72,7 +73,11 @@ void XCommand::runTyped(XCommand& typed) {
     _results.insert(_results.end(), typed._results.begin(), typed._results.end());
 }
 
-void XCommand::onPreRun() { Scene().BeginChangeBlock(); }
+// Also a run that changes nothing is a step: who ran a command can take it back.
+void XCommand::onPreRun() {
+    Scene().BeginChangeBlock();
+    if (XSceneGraph* const graph = Scene().SceneGraph()) graph->keepStep();
+}
 
 void XCommand::onPreRun(bool transient) { Scene().BeginChangeBlock(transient); }
 

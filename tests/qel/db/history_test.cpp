@@ -25,6 +25,46 @@ TEST_F(History, AnEmptyBlockMakesNoStepAndTellsNobody) {
     EXPECT_EQ(watcher.told(), 1u);
 }
 
+TEST_F(History, AnEmptyBlockThatKeepsItsStepMakesOneThatHoldsNothing) {
+    database.setCheckpoint();
+    step([&] { database.keepStep(); }, L"kept");
+    EXPECT_EQ(database.getUndoCount(), 2u);
+    EXPECT_EQ(database.getUndoLabel(), L"kept");
+    EXPECT_EQ(watcher.told(), 2u);
+    EXPECT_TRUE(database.isAtCheckpoint());
+    EXPECT_TRUE(database.undo());
+    EXPECT_TRUE(database.isAtCheckpoint());
+    EXPECT_FALSE(n->isRemoved());
+    EXPECT_TRUE(database.redo());
+    step([] {});  // the next one keeps nothing
+    EXPECT_EQ(database.getUndoCount(), 2u);
+}
+
+TEST_F(History, OnlyTheOutermostRecordedBlockKeepsItsStep) {
+    database.keepStep();
+    step([&] { step([&] { database.keepStep(); }); });
+    gesture([&] { database.keepStep(); });
+    EXPECT_EQ(database.getUndoCount(), 1u);
+    database.beginChangeBlock();
+    database.keepStep();
+    database.cancel();
+    step([] {});
+    EXPECT_EQ(database.getUndoCount(), 1u);
+    step([&] {
+        database.keepStep();
+        step([] {});
+    });
+    EXPECT_EQ(database.getUndoCount(), 2u);
+}
+
+TEST_F(History, AStepThatHoldsNothingEndsWhatCouldBeRedone) {
+    step([&] { set(2); });
+    database.undo();
+    step([&] { database.keepStep(); });
+    EXPECT_EQ(database.getRedoCount(), 0u);
+    EXPECT_EQ(database.getUndoCount(), 2u);
+}
+
 TEST_F(History, TheOuterBlockDecidesTheMode) {
     gesture([&] { step([&] { set(2); }, L"inner"); });
     EXPECT_EQ(database.getUndoCount(), 1u);
