@@ -60,7 +60,7 @@ void writeResult(std::string const& text, std::string const& file) {
 }
 
 void ConsoleLog::Log(Level level, char const* text) {
-    if (level == Error) printError(text);
+    if (level == Error) errors_ ? errors_->push_back(text) : printError(text);
     if (level == Warning) printWarning(text);
 }
 void ConsoleLog::Log(Level level, wchar_t const* text) { Log(level, Qelutils::toUtf8(text).c_str()); }
