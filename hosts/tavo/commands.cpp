@@ -176,22 +176,32 @@ Everything that a user can invoke by name, by `tavo do`, a script or a menu. Thi
 prints, from the rows in which the commands are declared ([`tavo/commands`](../tavo/commands)); `make readme` writes it
 anew. Lengths are in metres, angles in radians.
 
+| command | does | history |
+|---|---|---|
 )";
 
-std::string fullMarkdown(XCommandInfo const& info) {
-    std::string text = fmt::format("## {}\n\n{} {}\n", toUtf8(info.name), toUtf8(info.help), stepText(info));
-    std::vector<Line> const lines = linesOf(info);
-    if (lines.empty()) return text + '\n';
-    text += "\n| parameter | takes | default | |\n|---|---|---|---|\n";
-    for (Line const& line : lines)
-        text += fmt::format("| `{}` | {} | {} | {} |\n", line.name, line.kind, line.initial, line.help);
-    return text + '\n';
+std::string rowMarkdown(XCommandInfo const& info) {
+    std::string const name = toUtf8(info.name);
+    std::string const shown = info.parameters.empty()
+                                  ? fmt::format("`{}`", name)
+                                  : fmt::format("[`{}`](#{})", name, toUtf8(Qelutils::toLower(info.name)));
+    return fmt::format("| {} | {} | {} |\n", shown, toUtf8(info.help), info.isUndoable ? "one step" : "");
 }
 
-std::string toMarkdown(std::vector<XCommandInfo> const& all, bool single) {
-    std::string text = single ? "" : pageHead;
-    for (XCommandInfo const& info : all) text += fullMarkdown(info);
-    text.pop_back();
+std::string fullMarkdown(XCommandInfo const& info) {
+    std::string text = fmt::format("## {}\n\n{}\n", toUtf8(info.name), toUtf8(info.help));
+    std::vector<Line> const lines = linesOf(info);
+    if (!lines.empty()) text += "\n| parameter | takes | default | |\n|---|---|---|---|\n";
+    for (Line const& line : lines)
+        text += fmt::format("| `{}` | {} | {} | {} |\n", line.name, line.kind, line.initial, line.help);
+    return text;
+}
+
+std::string page(std::vector<XCommandInfo> const& all) {
+    std::string text = pageHead;
+    for (XCommandInfo const& info : all) text += rowMarkdown(info);
+    for (XCommandInfo const& info : all)
+        if (!info.parameters.empty()) text += '\n' + fullMarkdown(info);
     return text;
 }
 
@@ -203,7 +213,7 @@ void run(CommandsVerb const& verb) {
     std::vector<XCommandInfo> all = XCommandCatalogue::List(XApplication::Instance().Settings());
     if (single) all = {findCommand(all, verb.name)};
     if (verb.json) return writeResult(toJson(all, single));
-    if (verb.markdown) return writeResult(toMarkdown(all, single));
+    if (verb.markdown) return writeResult(single ? fullMarkdown(all.front()) : page(all));
     writeResult(single ? fullText(all.front()) : listText(all));
 }
 

@@ -1,9 +1,8 @@
 // do: commands by their names, one after the other, on one document. All of the line is checked before the first runs;
 // what is written is written when the last has run.
-#include "hosts/tavo/command_list.h"
+#include "hosts/tavo/command_runner.h"
 #include "hosts/tavo/find.h"
 #include "hosts/tavo/json.h"
-#include "hosts/tavo/session.h"
 #include "qel/db/streams.h"
 #include "qel/utils/text.h"
 #include "tavo/interaction/selection.h"
@@ -13,7 +12,6 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <iterator>
-#include <memory>
 #include <optional>
 
 namespace host {
@@ -23,14 +21,20 @@ using namespace Tavo;
 using Qelutils::fromUtf8;
 using Qelutils::toUtf8;
 
-// What a run did, told as it was then: a later command may delete what an earlier one made.
-struct Done {
-    std::string command;
-    int steps = 0;  // by how many the history grew; below 0: that were taken back
-    std::vector<std::pair<std::string, std::string>> results;  // paths and types
-};
-
 // ---- before the first command ----
+
+bool isSameFile(std::string const& a, std::string const& b) {
+    std::error_code none;
+    return !b.empty() && std::filesystem::weakly_canonical(a, none) == std::filesystem::weakly_canonical(b, none);
+}
+
+// Scenes and settings are documents of one form: nothing else would keep one from taking the other's place.
+void checkFiles(DoVerb const& verb) {
+    if (verb.input.file == commandSeparator) throw wrongCall("FILE comes before the first command");
+    if (verb.settings.empty()) return;
+    if (isSameFile(verb.settings, verb.input.file) || isSameFile(verb.settings, verb.output))
+        throw wrongCall(fmt::format("--settings is a file of its own, not {}", verb.settings));
+}
 
 // The application logs why a file that is there cannot be read; a missing one is a first start, and silent.
 void loadSettings(Session& session, std::string const& file) {
@@ -70,64 +74,6 @@ std::vector<std::string> selectedPaths(XScene& scene) {
     return paths;
 }
 
-// ---- the commands ----
-
-void write(std::vector<Value> const& values) {
-    XSettings& settings = XApplication::Instance().Settings();
-    settings.BeginChangeBlock();
-    for (Value const& value : values) value.write();
-    settings.EndChangeBlock();
-}
-
-bool isAllowed(XScene& scene, XCommand const& command) {
-    std::unique_ptr<XObject> const typed(command.CreateObject(&command.Settings()));
-    auto* const known = dynamic_cast<XCommand*>(typed.get());
-    return known && known->SetWorkingScene(&scene).isRunAllowed();
-}
-
-// Parent asks for the object at no path before it takes the last selected one; that this is not found is no failure.
-bool isFailure(std::string const& error) { return error != "Unable to find a node with the path \"\""; }
-
-// The values are those of this run: afterwards the node holds what it held. The cycle that follows in any host makes a
-// step of what is pending then, such as a new time.
-std::vector<std::string> runOnce(Session& session, CommandCall const& call, Qelutils::Vector<XObject>& results) {
-    std::vector<Value> before;
-    for (Value const& value : call.values) before.insert(before.begin(), value.present());
-    write(call.values);
-    std::vector<std::string> errors = session.errorsOf([&] {
-        session.scene().RunCommand(fromUtf8(call.name), results);
-        XApplication::Instance().Update();
-    });
-    write(before);
-    std::erase_if(errors, [](std::string const& error) { return !isFailure(error); });
-    return errors;
-}
-
-Done runCommand(Session& session, CommandCall const& call, std::string const& place) {
-    XScene& scene = session.scene();
-    auto const stepCount = [&] { return int(scene.SceneGraph()->getUndoCount()); };
-    Done done{call.name, -stepCount(), {}};
-    if (!isAllowed(scene, call.command))
-        throw Failure{ExitCode::failed, fmt::format("{}{} may not run now; nothing is written", call.name, place)};
-    Qelutils::Vector<XObject> results;
-    if (std::vector<std::string> const errors = runOnce(session, call, results); !errors.empty())
-        throw Failure{ExitCode::failed,
-                      fmt::format("{}{} failed: {}; nothing is written", call.name, place, fmt::join(errors, "; "))};
-    done.steps += stepCount();
-    for (XObject const& result : results) done.results.emplace_back(toUtf8(result.Path()), toUtf8(result.ObjectType()));
-    return done;
-}
-
-std::vector<Done> runAll(Session& session, std::vector<CommandCall> const& calls) {
-    std::vector<Done> all;
-    for (CommandCall const& call : calls)
-        all.push_back(runCommand(
-            session, call, calls.size() < 2 ? "" : fmt::format(" (command {} of {})", all.size() + 1, calls.size())));
-    session.scene().Stop();  // playback is a block that is open
-    XApplication::Instance().Update();
-    return all;
-}
-
 // ---- after the last ----
 
 std::optional<std::string> contents(std::string const& file) {
@@ -138,7 +84,7 @@ std::optional<std::string> contents(std::string const& file) {
 }
 
 void saveSettings(Session& session, std::string const& file, std::vector<CommandCall> const& calls) {
-    for (CommandCall const& call : calls) write(call.values);
+    for (CommandCall const& call : calls) setParameters(call.values);
     std::vector<std::string> const errors =
         session.errorsOf([&] { XApplication::Instance().SaveSettings(fromUtf8(file)); });
     if (!errors.empty()) throw Failure{ExitCode::failed, errors.front()};
@@ -201,7 +147,7 @@ std::string reportJson(DoVerb const& verb, std::vector<std::string> const& selec
 }  // namespace
 
 void run(DoVerb const& verb) {
-    if (verb.input.file == commandSeparator) throw wrongCall("FILE comes before the first command");
+    checkFiles(verb);
     Session session(verb.input);
     XScene& scene = session.scene();
     loadSettings(session, verb.settings);
@@ -210,7 +156,7 @@ void run(DoVerb const& verb) {
     select(scene, findSelection(scene, verb.patterns));
     scene.SceneGraph()->ClearUndoHistory();  // it begins with the first command: reading and selecting are no steps
     std::vector<std::string> const selected = selectedPaths(scene);
-    std::vector<Done> const all = runAll(session, calls);
+    std::vector<Done> const all = runCommands(session, calls);
     save(session, verb, calls);
     writeResult(verb.json ? reportJson(verb, selected, all) : reportText(verb, selected, all));
 }

@@ -64,7 +64,7 @@ constexpr char const* commandsExamples = R"(Examples:
   tavo commands --json)";
 
 constexpr char const* doExamples = R"(Examples:
-  tavo do walk.tavo CreateJoint TranslationX=0.5 -- CreateJoint -- SelectAll -- SetKey -o out.tavo
+  tavo do walk.tavo CreateJoint TranslationX=0.5 -- CreateJoint -- ActivateMoveTool -- SetKey -o out.tavo
   tavo do walk.tavo --select 'Left*' Delete --dry-run   what would become of it
   tavo do walk.tavo --select Head FreezeTransform FreezeRotation=false -o out.tavo
   tavo do walk.tavo CreateJoint BoneRadius=0.02 --settings mine.tavo -o out.tavo
