@@ -31,7 +31,8 @@ XAttribute findParameter(XCommandInfo const& info, XCommand const& command, std:
     std::vector<std::wstring> const names = parameterNames(info);
     if (names.empty()) throw wrongCall(fmt::format("{} has no parameters", toUtf8(info.name)));
     if (std::find(names.begin(), names.end(), fromUtf8(name)) == names.end())
-        throw wrongCall(fmt::format("{} has no parameter \"{}\"", toUtf8(info.name), name), name, names);
+        throw wrongCall(fmt::format("{} has no parameter \"{}\"", toUtf8(info.name), name), name, names,
+                        fmt::format("; `tavo commands {}` lists them", toUtf8(info.name)));
     return command.Attribute(fromUtf8(name));
 }
 
@@ -59,7 +60,7 @@ XCommandInfo findCommand(std::vector<XCommandInfo> const& all, std::string const
         if (info.name == fromUtf8(name)) return info;
         names.push_back(info.name);
     }
-    throw wrongCall(fmt::format("there is no command \"{}\"", name), name, names);
+    throw wrongCall(fmt::format("there is no command \"{}\"", name), name, names, "; `tavo commands` lists them");
 }
 
 std::vector<CommandCall> parseCommands(XSettings const& settings, std::vector<std::string> const& words,

@@ -18,9 +18,11 @@ struct Failure {
     std::string message;
 };
 
-// "no object matches "Hipz"; did you mean Hips?": the message, and the names that `wanted` may have been meant to be.
+// "no object matches "Hipz"; did you mean Hips?": the message, and the names that `wanted` may have been meant to be,
+// or what is said where none of them is near.
 Failure wrongCall(std::string const& message);
-Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names);
+Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names,
+                  std::string const& otherwise = "");
 
 void printError(std::string const& message);
 void printWarning(std::string const& message);

@@ -17,6 +17,8 @@ using db::AttributeType;
 using Qelutils::fromUtf8;
 using Qelutils::toUtf8;
 
+constexpr double noLimit = db::AttributeDef().maximum;
+
 constexpr ValueKind kinds[] = {
     {AttributeType::Float, XAttribute::FloatType, "a number"},
     {AttributeType::Double, XAttribute::DoubleType, "a number"},
@@ -27,6 +29,15 @@ constexpr ValueKind kinds[] = {
     {AttributeType::String, XAttribute::StringType, "a text"},
     {AttributeType::Compound, L"compound", "its parts with commas"},
 };
+
+std::vector<std::string> splitAtCommas(std::string const& text) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (std::size_t comma; (comma = text.find(',', start)) != std::string::npos; start = comma + 1)
+        parts.push_back(text.substr(start, comma - start));
+    parts.push_back(text.substr(start));
+    return parts;
+}
 
 sg::AttributeUnit unitOf(XAttribute const& attribute) { return sg::AttributeUnit(attribute.Units()); }
 
@@ -65,6 +76,12 @@ std::optional<XVector3> parseVector(XAttribute const& attribute, std::string con
     return value;
 }
 
+std::string joined(Qelutils::Vector<std::wstring> const& words) {
+    std::string text;
+    for (std::wstring const& word : words) text += (text.empty() ? "" : ", ") + toUtf8(word);
+    return text;
+}
+
 int parseWord(XAttribute const& attribute, std::string const& text) {
     Qelutils::Vector<std::wstring> words;
     attribute.EnumerationStrings(words);
@@ -74,24 +91,36 @@ int parseWord(XAttribute const& attribute, std::string const& text) {
     if (found != words.end()) return int(found - words.begin());
     std::optional<int> const number = parseInteger(text);
     if (number && *number >= 0 && *number < int(words.size())) return *number;
-    throw wrongCall(fmt::format("{} has no value \"{}\"", toUtf8(attribute.ShortPath()), text), text, words);
+    throw wrongCall(fmt::format("{} has no value \"{}\"", toUtf8(attribute.ShortPath()), text), text, words,
+                    "; it is one of " + joined(words));
 }
 
 [[noreturn]] void refuse(XAttribute const& attribute, std::string const& takes, std::string const& text) {
     throw wrongCall(fmt::format("{} takes {}, not \"{}\"", toUtf8(attribute.ShortPath()), takes, text));
 }
 
-void checkRange(XAttribute const& attribute, double value, std::string const& text) {
-    db::AttributeDef const& row = attribute.getAttribute()->getDef();
-    if (value < row.minimum || value > row.maximum) refuse(attribute, kindOf(row.type)->takes + rangeText(row), text);
+void showLimits(db::AttributeDef& row, XScene& display) {
+    for (double* limit : {&row.minimum, &row.maximum})
+        if (std::abs(*limit) < noLimit)
+            display.ConvertUnits(UnitCodeOf(sg::AttributeUnit(row.units)), ToExternalUnits, *limit);
+}
+
+// A float is compared with the floats that the limits are nearest to: 0.1 is within 0.1.
+void checkRange(XAttribute const& attribute, double value, std::string const& text, XScene* display) {
+    db::AttributeDef row = attribute.getAttribute()->getDef();
+    auto const limit = [&](double x) { return attribute.IsFloat() && std::abs(x) < noLimit ? double(float(x)) : x; };
+    if (value >= limit(row.minimum) && value <= limit(row.maximum)) return;
+    if (display) showLimits(row, *display);
+    refuse(attribute, kindOf(row.type)->takes + rangeText(row), text);
 }
 
 // The content, or the message that says what the attribute takes.
 template<class Content>
-Content fitting(XAttribute const& attribute, std::optional<Content> content, std::string const& text) {
+Content fitting(XAttribute const& attribute, std::optional<Content> content, std::string const& text,
+                XScene* display = nullptr) {
     if (!content) refuse(attribute, kindOf(AttributeType(attribute.Type()))->takes, text);
     if constexpr (std::is_same_v<Content, int> || std::is_same_v<Content, double>)
-        checkRange(attribute, *content, text);
+        checkRange(attribute, *content, text, display);
     return *content;
 }
 
@@ -125,18 +154,8 @@ ValueKind const* kindOf(AttributeType type) {
     return found == std::end(kinds) ? nullptr : found;
 }
 
-std::vector<std::string> splitAtCommas(std::string const& text) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (std::size_t comma; (comma = text.find(',', start)) != std::string::npos; start = comma + 1)
-        parts.push_back(text.substr(start, comma - start));
-    parts.push_back(text.substr(start));
-    return parts;
-}
-
 std::string rangeText(db::AttributeDef const& row) {
-    db::AttributeDef const unlimited;
-    bool const low = row.minimum > unlimited.minimum, high = row.maximum < unlimited.maximum;
+    bool const low = row.minimum > -noLimit, high = row.maximum < noLimit;
     std::string const least = Qelutils::number(row.minimum), most = Qelutils::number(row.maximum);
     if (low && high) return fmt::format(" from {} to {}", least, most);
     return low ? " of at least " + least : high ? " of at most " + most : "";
@@ -151,7 +170,7 @@ Value Value::parse(XAttribute const& a, std::string const& text, XScene* display
     case AttributeType::Vector3: return {a, fitting(a, parseVector(a, text, display), text)};
     case AttributeType::String: return {a, fromUtf8(text)};
     case AttributeType::Compound: return {a, parseParts(a, text, display)};
-    default: return {a, fitting(a, parseNumber(a, text, display), text)};
+    default: return {a, fitting(a, parseNumber(a, text, display), text, display)};
     }
 }
 

@@ -17,10 +17,7 @@ struct ValueKind {
 // Null for kinds that no text stands for.
 ValueKind const* kindOf(db::AttributeType type);
 
-// Between commas.
-std::vector<std::string> splitAtCommas(std::string const& text);
-
-// "", " from 0 to 1", " of at least 0": what a row says of its values, in internal units.
+// "", " from 0 to 1", " of at least 0": what a row says of its values, in the units of its limits.
 std::string rangeText(db::AttributeDef const& row);
 
 // A value that fits its attribute. Nothing is written until `write`.

@@ -16,6 +16,8 @@ constexpr db::AttributeDef within(int n, wchar_t const* name, double low, double
 }
 constexpr db::AttributeDef count(int n, wchar_t const* name) { return db::row::integer(n, name, 1).range(1, 1e308); }
 
+constexpr db::AttributeDef reach(int n, wchar_t const* name) { return within(n, name, 0, 0.1, 0).unit(sg::Linear); }
+
 class XRanged : public XCommandType<XRanged> {
 public:
     static constexpr XWord TypeID = L"Ranged";
@@ -25,6 +27,7 @@ public:
     TAVO_PARAMETER(8, Share, L"Of the whole.", within, 0, 1, 0.5)
     TAVO_PARAMETER(9, Count, L"How many.", count)
     TAVO_PARAMETER(10, Label, L"Of each.", text, L"mine")
+    TAVO_PARAMETER(12, Reach, L"Of an arm.", reach)
     TAVO_PARAMETER(11, Offset, L"From one to the next.", vector)
 
     void onRun() override {
@@ -55,8 +58,8 @@ protected:
         session->scene().New();
     }
 
-    std::vector<CommandCall> parse(std::vector<std::string> const& words) {
-        return parseCommands(XApplication::Instance().Settings(), words, nullptr);
+    static std::vector<CommandCall> parse(std::vector<std::string> const& words, XScene* display = nullptr) {
+        return parseCommands(XApplication::Instance().Settings(), words, display);
     }
     std::vector<Done> run(std::vector<std::string> const& words) { return runCommands(*session, parse(words)); }
     // What is told when it fails with that code.
@@ -86,7 +89,20 @@ TEST_F(CommandRunner, RefusesAValueBeyondTheRange) {
 }
 
 TEST_F(CommandRunner, TakesTheEndsOfTheRange) {
-    for (char const* share : {"Share=0", "Share=1"}) EXPECT_EQ(run({"Ranged", share}).size(), 1u) << share;
+    for (char const* end : {"Share=0", "Share=1", "Count=1", "Reach=0.1"})
+        EXPECT_EQ(run({"Ranged", end}).size(), 1u) << end;
+}
+
+TEST_F(CommandRunner, TellsTheRangeInTheUnitsInWhichTheValueIsGiven) {
+    XScene& scene = session->scene();
+    scene.SceneSettings().LinearUnits().SetEnumeration(0);
+    EXPECT_EQ(parse({"Ranged", "Reach=100"}, &scene).size(), 1u);
+    try {
+        parse({"Ranged", "Reach=101"}, &scene);
+        FAIL();
+    } catch (Failure const& failure) {
+        EXPECT_EQ(failure.message, "Ranged.Reach takes a number from 0 to 100, not \"101\"");
+    }
 }
 
 TEST_F(CommandRunner, GivesTheValuesToTheRunAndTakesThemBack) {

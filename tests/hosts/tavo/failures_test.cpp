@@ -60,7 +60,8 @@ TEST_F(Failures, WrongCallsAreToldAndEndWithTwo) {
         {"set walk.bvh Head.BoneRadius=nan -o x", "Head.BoneRadius takes a number, not \"nan\""},
         {"set walk.bvh Head.Visible=maybe -o x", "takes true or false"},
         {"set walk.bvh SceneSettings.FrameRate=2.5 -o x", "takes a whole number"},
-        {"set walk.bvh SceneSettings.FrameRate=-1 -o x", "takes a whole number from 0 to 1000000, not \"-1\""},
+        {"set walk.bvh SceneSettings.FrameRate=-1 -o x", "takes a whole number from 0 to 1e+06, not \"-1\""},
+        {"set walk.bvh Head.BoneStyle=Fluffy -o x", "it is one of Wireframe, Solid, Hidden"},
         {"set walk.bvh Head.Colour=1,0,0 -o x", "Head.Colour takes 4 values with commas, not \"1,0,0\""},
         {"plot walk.bvh Hips.WorldMatrix -o x", "is no number"},
     };
