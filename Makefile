@@ -38,8 +38,10 @@ format: ## Format the sources
 format-check: ## Fail if a source is not formatted
 	@$(SOURCES) | xargs clang-format --dry-run -Werror
 
-readme: release ## Write what the sessions in README.md really print into it
+readme: release ## Write what the host really prints into its pages: sessions, and the reference of the commands
 	@scripts/check_readme_session.py --host build/release/bin/tavo --update
+	@scripts/check_readme_session.py --host build/release/bin/tavo --page docs/host.md --update
+	@build/release/bin/tavo commands --markdown >docs/commands.md
 
 install: release ## Install under PREFIX (/usr/local)
 	@cmake --install build/release --prefix $(PREFIX)

@@ -38,10 +38,12 @@ void printLine(char const* word, char const* colour, std::string const& message)
 
 Failure wrongCall(std::string const& message) { return {ExitCode::wrongCall, message}; }
 
-Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names) {
+Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names,
+                  std::string const& otherwise) {
     std::wstring const near =
         Qelutils::nearestNames(Qelutils::fromUtf8(wanted), names.data(), names.data() + names.size());
-    return {ExitCode::wrongCall, near.empty() ? message : message + "; did you mean " + Qelutils::toUtf8(near) + '?'};
+    if (near.empty()) return wrongCall(message + otherwise);
+    return wrongCall(message + "; did you mean " + Qelutils::toUtf8(near) + '?');
 }
 
 void printError(std::string const& message) { printLine("error", "1;31", message); }
@@ -60,7 +62,7 @@ void writeResult(std::string const& text, std::string const& file) {
 }
 
 void ConsoleLog::Log(Level level, char const* text) {
-    if (level == Error) printError(text);
+    if (level == Error) errors_ ? errors_->push_back(text) : printError(text);
     if (level == Warning) printWarning(text);
 }
 void ConsoleLog::Log(Level level, wchar_t const* text) { Log(level, Qelutils::toUtf8(text).c_str()); }

@@ -18,9 +18,11 @@ struct Failure {
     std::string message;
 };
 
-// "no object matches "Hipz"; did you mean Hips?": the message, and the names that `wanted` may have been meant to be.
+// "no object matches "Hipz"; did you mean Hips?": the message, and the names that `wanted` may have been meant to be,
+// or what is said where none of them is near.
 Failure wrongCall(std::string const& message);
-Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names);
+Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names,
+                  std::string const& otherwise = "");
 
 void printError(std::string const& message);
 void printWarning(std::string const& message);
@@ -29,12 +31,16 @@ void printWarning(std::string const& message);
 void writeResult(std::string const& text);
 void writeResult(std::string const& text, std::string const& file);
 
-// Where the core's warnings and errors go: standard error.
+// Where the core's warnings and errors go: standard error. Errors may be kept instead, for a message of the host's own.
 class ConsoleLog : public Qelutils::BasicLogger {
 public:
     void Log(Level level, char const* text) override;
     void Log(Level level, wchar_t const* text) override;
     void Log(Level level, std::wstring const& text) override;
+    void keepErrorsIn(std::vector<std::string>* errors) { errors_ = errors; }  // null: printed again
+
+private:
+    std::vector<std::string>* errors_ = nullptr;
 };
 
 // A bar on standard error while something takes its time; nothing in a pipe. Draws at most a hundred times, and takes

@@ -58,6 +58,24 @@ constexpr char const* setExamples = R"(Examples:
   tavo set walk.tavo 'Left*.BoneRadius=0.02' Hips.Visible=false -o marked.tavo
   tavo set walk.tavo Head.PreRotationY=20 --display -o turned.tavo    degrees, as the scene shows angles)";
 
+constexpr char const* commandsExamples = R"(Examples:
+  tavo commands                                         all, a line each
+  tavo commands CreateJoint                             one in full: parameters, what they take, their defaults
+  tavo commands --json)";
+
+constexpr char const* doExamples = R"(Examples:
+  tavo do walk.tavo CreateJoint TranslationX=0.5 -- CreateJoint -- ActivateMoveTool -- SetKey -o out.tavo
+  tavo do walk.tavo --select 'Left*' Delete --dry-run   what would become of it
+  tavo do walk.tavo --select Head FreezeTransform FreezeRotation=false -o out.tavo
+  tavo do walk.tavo CreateJoint BoneRadius=0.02 --settings mine.tavo -o out.tavo
+
+Commands run in their order, each followed by the values of its parameters, with -- between them; Undo and Redo are
+commands like any other. Values are for that one run. With --settings the parameters of all commands are read from that
+file before, if it is there, and written after, the given ones with them. Each command is told with the steps of the
+history that it made and the paths and types of its results.
+
+Nothing is written unless all of it has succeeded: OUT, and the settings. Without -o the scene is only reported on.)";
+
 constexpr char const* plotExamples = R"(Examples:
   tavo plot walk.tavo Hips.TranslationX Hips.TranslationY -o hips.svg
   tavo plot walk.bvh '*Leg.RotationX' -o legs.svg)";
@@ -100,12 +118,14 @@ public:
         addPlay();
         addSet();
         addPlot();
+        addCommands();
+        addDo();
     }
 
     ExitCode run(int count, char** arguments) {
         try {
             checkVerb(count, arguments);
-            app_.parse(count, arguments);
+            app_.parse(wordsOf(count, arguments));
             chosen_();
             return ExitCode::done;
         } catch (CLI::ParseError const& error) { return tell(error); } catch (Failure const& failure) {
@@ -118,17 +138,21 @@ public:
     }
 
 private:
-    template<class Verb> CLI::App& add(Verb& verb, char const* name, char const* what, char const* examples) {
+    template<class Verb> CLI::App& addVerb(Verb& verb, char const* name, char const* what, char const* examples) {
         CLI::App& app = *app_.add_subcommand(name, what);
         help_->examples[name] = examples;
         app.footer(exitCodes);
+        app.final_callback([this, &verb] { chosen_ = [&verb] { host::run(verb); }; });
+        return app;
+    }
+    template<class Verb> CLI::App& add(Verb& verb, char const* name, char const* what, char const* examples) {
+        CLI::App& app = addVerb(verb, name, what, examples);
         app.add_option("FILE", verb.input.file, "a motion clip or a scene")->required()->type_name("");
         app.add_option("--units", verb.input.units, "of a clip's lengths: mm, cm, m, in, ft, yd, or auto to guess")
             ->type_name("UNIT");
         app.add_option("--positions", verb.input.positions,
                        "of a clip: its position channels replace OFFSET, add to it, or auto to judge")
             ->type_name("MODE");
-        app.final_callback([this, &verb] { chosen_ = [&verb] { host::run(verb); }; });
         return app;
     }
     template<class Verb> static void addOutput(CLI::App& app, Verb& verb, char const* what) {
@@ -186,6 +210,38 @@ private:
         addOutput(app, plot_, "the SVG picture to write");
     }
 
+    void addCommands() {
+        CLI::App& app = addVerb(commands_, "commands", "List the commands that do runs.", commandsExamples);
+        app.add_option("NAME", commands_.name, "one command, in full (all)")->type_name("");
+        CLI::Option* json = app.add_flag("--json", commands_.json, "for machines");
+        app.add_flag("--markdown", commands_.markdown, "as the reference page")->excludes(json);
+    }
+    void addDo() {
+        CLI::App& app = add(do_, "do", "Run commands on a scene.", doExamples);
+        app.add_option("COMMAND", do_.words, "COMMAND [PARAM=VALUE]... [-- COMMAND [PARAM=VALUE]...]...")
+            ->required()
+            ->type_name("...");
+        app.add_option("--select", do_.patterns, "what is selected first, in order: names or paths with * and ?")
+            ->take_all()
+            ->expected(1)
+            ->allow_extra_args(false)
+            ->type_name("PATTERN");
+        app.add_flag("--display", do_.display, "values are in the scene's display units, not metres and radians");
+        app.add_option("--settings", do_.settings, "where parameters are kept from one run to the next")
+            ->type_name("SETTINGS");
+        app.add_flag("--dry-run", do_.dryRun, "run and report, and write nothing");
+        app.add_flag("--json", do_.json, "for machines");
+        app.add_option("-o,--output", do_.output, "the scene to write, or a clip if it ends in .bvh (none)")
+            ->type_name("OUT");
+    }
+
+    // Last word first, as the parser wants them. To the parser "--" ends the options; for `do` it stands between
+    // commands, and passes as another word.
+    static std::vector<std::string> wordsOf(int count, char** arguments) {
+        std::vector<std::string> words(std::reverse_iterator(arguments + count), std::reverse_iterator(arguments + 1));
+        if (words.back() == "do") std::replace(words.begin(), words.end(), std::string("--"), commandSeparator);
+        return words;
+    }
     // An unknown verb would be told of as an unexpected argument, which helps nobody.
     void checkVerb(int count, char** arguments) {
         if (count < 2) throw wrongCall("which verb? `tavo --help` lists them");
@@ -228,6 +284,8 @@ private:
     PlayVerb play_;
     SetVerb set_;
     PlotVerb plot_;
+    CommandsVerb commands_;
+    DoVerb do_;
 };
 
 }  // namespace

@@ -104,4 +104,12 @@ std::string displayUnit(XScene const& scene, int unit) {
     }
 }
 
+std::string internalUnit(int unit) {
+    // By sg::AttributeUnit.
+    static constexpr char const* words[] = {"",       "",        "m",         "m/s",   "m/s²", "rad", "rad/s",
+                                            "rad/s²", "s",       "kg",        "kg/m³", "N",    "N m", "N/m",
+                                            "N s/m",  "N m/rad", "N m s/rad", "fps",   ""};
+    return unit >= 0 && unit < int(std::size(words)) ? words[unit] : "";
+}
+
 }  // namespace host

@@ -44,5 +44,7 @@ double convertUnits(Tavo::XAttribute const& attribute, Tavo::XUnitConversionType
 
 // "m", "°", "frames" and so on: the unit in which the scene shows such attributes; empty without one.
 std::string displayUnit(Tavo::XScene const& scene, int unit);
+// The unit of values inside, "m", "rad", "fps": in which they are where no scene says otherwise.
+std::string internalUnit(int unit);
 
 }  // namespace host

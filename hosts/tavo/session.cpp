@@ -71,18 +71,16 @@ void Session::Formats::OnSettingsRegistered(XSettings& settings) {
     settings.CoreModule().Register(new XBvhTranslatorDef);
 }
 
-Session::Session(Input const& input) {
+Session::Session() {
     Mirrel::gMirrel.mainLoop = &mainLoop_;
     XApplication& application = XApplication::Instance();
     application.AddSceneObserver(&coreTypes_).AddSettingsObserver(&coreTypes_).AddSettingsObserver(&formats_);
     application.Startup(nullptr, &log_, L"");
-    try {
-        open(input);
-    } catch (...) {
-        application.Shutdown();
-        throw;
-    }
+    application.Settings().New();  // the defaults, until settings are loaded
 }
+
+// What was begun is ended by the destructor also when the file cannot be opened.
+Session::Session(Input const& input) : Session() { open(input); }
 
 Session::~Session() { XApplication::Instance().Shutdown(); }
 
@@ -112,6 +110,17 @@ void Session::openScene(std::string const& file) {
     db::LoaderXML loader{stream};
     if (!loader.load(*scene().SceneGraph())) throw badInput(file, toUtf8(loader.error()));
     scene().Open();
+}
+
+std::vector<std::string> Session::errorsOf(std::function<void()> const& work) {
+    std::vector<std::string> errors;
+    struct Keeping {
+        ConsoleLog& log;
+        ~Keeping() { log.keepErrorsIn(nullptr); }
+    } const keeping{log_};
+    log_.keepErrorsIn(&errors);
+    work();
+    return errors;
 }
 
 void Session::save(std::string const& file) {

@@ -9,6 +9,7 @@
 #include "tavo/extension/core_types.h"
 #include "tavo/objects/settings.h"
 
+#include <functional>
 #include <optional>
 
 namespace host {
@@ -22,8 +23,10 @@ struct OpenedClip {
 
 class Session {
 public:
-    // Starts the application and opens the file. Throws a Failure: bad input when the file cannot be read as what it
-    // is, a wrong call when the options make no sense.
+    // Starts the application, with an empty scene.
+    Session();
+    // And opens the file. Throws a Failure: bad input when it cannot be read as what it is, a wrong call when the
+    // options make no sense.
     explicit Session(Input const& input);
     ~Session();
     Session(Session const&) = delete;
@@ -33,6 +36,9 @@ public:
     Tavo::XSceneSettings settings() { return scene().SceneSettings(); }
     wxUtils::AppMainLoop& mainLoop() { return mainLoop_; }
     std::optional<OpenedClip> const& clip() const { return clip_; }
+
+    // What is logged as an error while `work` runs; it is not printed meanwhile.
+    std::vector<std::string> errorsOf(std::function<void()> const& work);
 
     // As a clip when the name ends in ".bvh", otherwise as a scene.
     void save(std::string const& file);

@@ -7,6 +7,9 @@
 
 namespace host {
 
+// Stands between the commands of DoVerb::words, for the "--" of the command line.
+inline std::string const commandSeparator = "\x1e";  // the separator of records
+
 // What every verb that reads a file takes. A scene needs no answers; of a clip they are judged unless given.
 struct Input {
     std::string file;
@@ -48,6 +51,20 @@ struct SetVerb {
     bool display = false;
     std::string output;
 };
+struct CommandsVerb {
+    std::string name;  // empty: all
+    bool json = false, markdown = false;
+};
+struct DoVerb {
+    Input input;
+    std::vector<std::string> words;     // COMMAND PARAM=VALUE ..., the next after commandSeparator
+    std::vector<std::string> patterns;  // of objects to select first
+    bool display = false;
+    bool dryRun = false;
+    bool json = false;
+    std::string settings;  // empty: those of a first start, for this run
+    std::string output;    // empty: none
+};
 struct PlotVerb {
     Input input;
     std::vector<std::string> attributes;  // OBJECT.ATTRIBUTE
@@ -61,5 +78,7 @@ void run(SampleVerb const& verb);
 void run(PlayVerb const& verb);
 void run(SetVerb const& verb);
 void run(PlotVerb const& verb);
+void run(CommandsVerb const& verb);
+void run(DoVerb const& verb);
 
 }  // namespace host

@@ -60,6 +60,9 @@ TEST_F(Failures, WrongCallsAreToldAndEndWithTwo) {
         {"set walk.bvh Head.BoneRadius=nan -o x", "Head.BoneRadius takes a number, not \"nan\""},
         {"set walk.bvh Head.Visible=maybe -o x", "takes true or false"},
         {"set walk.bvh SceneSettings.FrameRate=2.5 -o x", "takes a whole number"},
+        {"set walk.bvh SceneSettings.FrameRate=-1 -o x", "takes a whole number from 0 to 1e+06, not \"-1\""},
+        {"set walk.bvh Head.BoneStyle=Fluffy -o x", "it is one of Wireframe, Solid, Hidden"},
+        {"set walk.bvh Head.Colour=1,0,0 -o x", "Head.Colour takes 4 values with commas, not \"1,0,0\""},
         {"plot walk.bvh Hips.WorldMatrix -o x", "is no number"},
     };
     for (Case const& c : cases)
@@ -133,7 +136,8 @@ TEST_F(Failures, ASceneWithoutJointsIsNoClip) {
 }
 
 TEST_F(Failures, HelpBeginsWithExamplesAndEndsWithTheExitCodes) {
-    for (char const* verb : {"", "import ", "export ", "info ", "sample ", "play ", "set ", "plot "}) {
+    for (char const* verb :
+         {"", "import ", "export ", "info ", "sample ", "play ", "set ", "plot ", "commands ", "do "}) {
         std::string const help = result(std::string(verb) + "--help");
         std::size_t const examples = help.find("Examples:\n  tavo "), usage = help.find("Usage: ");
         EXPECT_LT(examples, usage) << verb;

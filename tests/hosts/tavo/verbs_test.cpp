@@ -177,6 +177,12 @@ TEST_F(Verbs, SetChangesAttributesOfEveryKind) {
     EXPECT_TRUE(has(result("info set.tavo --json"), "\"frameRate\":60"));
 }
 
+TEST_F(Verbs, SetTakesTheValuesOfACompound) {
+    result("set walk.bvh Head.Colour=1,0,0.25,1 Head.Colour.Green=0.5 -o set.tavo");
+    EXPECT_EQ(lines(result("sample set.tavo --objects Head --attribute Colour --to 0"))[1].substr(1),
+              ",Scene|Hips|Spine|Spine1|Chest|Neck|Head,1,0.5,0.25,1");
+}
+
 TEST_F(Verbs, SetTakesDisplayUnitsWhenAsked) {
     result("set walk.bvh Head.PreRotationY=180 --display -o turned.tavo");
     EXPECT_EQ(
