@@ -97,8 +97,7 @@ void XScene::upgradeSceneFileVersion() {
 void XScene::prepareSceneForEditing() {
     SceneGraph()->setCheckpoint();
     SetActiveTool(unsigned(_sceneSettings.ActiveTool().Integer()));
-    clearSelectionCache();
-    loadSelectionCache();
+    reloadSelectionCache();
     clearVisibilityCache();
     loadVisibilityCache();
     reloadGroupCache();
@@ -160,10 +159,7 @@ void XScene::onSceneChangedPostCommit(XDatabaseChange const& databaseChange, boo
     bool const selectionChanged = change.IsSelectionChange(), timeChanged = change.IsTimeChange();
     updateGroupCache(change, transient);
     updateObjectColourCache(change, transient);
-    if (selectionChanged) {
-        clearSelectionCache();
-        loadSelectionCache();
-    }
+    updateSelectionCache(change, transient);
     if (!transient) updateVisibilityCache(change);
     if (timeChanged || !transient) UpdateActiveToolTransform();
     UpdateActiveToolWeights(change, transient);
