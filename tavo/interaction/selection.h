@@ -21,6 +21,8 @@ public:
     TAVO_ATTRIBUTE(SubEntityType, 14)  // the stored edit mode: 0 objects, from 1 on sub-objects
     TAVO_ATTRIBUTE(SubEntities, 15)    // the selected sub-object indices, in the order of selection
 
+    using XSceneObject::Deselect, XSceneObject::IsSelected, XSceneObject::Path, XSceneObject::Select;  // of itself
+
     // ---- the edit mode: in force while exactly one object is selected, and 0 otherwise ----
     int EditMode() const;
     bool IsObjectEditMode() const { return EditMode() == 0; }
