@@ -105,7 +105,10 @@ public:
         static std::vector<T> const none;
         return body_ ? body_->values : none;
     }
-    std::vector<T>& raw() { return body().values; }
+    std::vector<T>& raw() { return changed(); }
+    // Moves when an element that was there changes or goes, by whatever way: an edit, an undo, a connection, loading.
+    // Appending leaves it, so that whoever keeps something made of the elements reads on from where he stopped.
+    std::uint64_t revision() const { return body_ ? body_->revision : 0; }
 
     std::size_t size() const override { return getValue().size(); }
     // Beyond the end: the default of the kind.
@@ -116,29 +119,29 @@ public:
         return none;
     }
     bool setElement(Element value, std::size_t i) {  // false beyond the end
-        if (i >= raw().size() || !beginEdit()) return false;
+        if (i >= stored().size() || !beginEdit()) return false;
         keepPage(i);
-        body_->values[i] = std::move(value);
+        changed()[i] = std::move(value);
         afterWrite();
         return true;
     }
-    void setValue(std::vector<T> values) { splice(0, raw().size(), std::move(values)); }
+    void setValue(std::vector<T> values) { splice(0, stored().size(), std::move(values)); }
     void setValue(Element const* values, std::size_t count) { setValue(std::vector<T>(values, values + count)); }
-    void add(Element value) { insert(std::move(value), raw().size()); }
+    void add(Element value) { insert(std::move(value), stored().size()); }
     bool insert(Element value, std::size_t i) {  // false beyond the end
-        if (i > raw().size() || !beginEdit()) return false;
-        std::vector<T>& v = body().values;
+        if (i > stored().size() || !beginEdit()) return false;
+        std::vector<T>& v = edited(i);
         v.insert(v.begin() + long(i), T(std::move(value)));
         noteSplice(i, 1, {});
         return true;
     }
     bool removeAt(std::size_t i) override {
-        if (i >= raw().size() || isRemoved() || has(live)) return false;
+        if (i >= stored().size() || isRemoved() || has(live)) return false;
         splice(i, 1, {});
         return true;
     }
     void resize(std::size_t count) override {
-        std::size_t const now = raw().size();
+        std::size_t const now = stored().size();
         if (count < now)
             splice(count, now - count, {});
         else if (count > now)
@@ -163,7 +166,7 @@ public:
         b.kept.clear();
         return reinterpret_cast<std::uint64_t>(b.open);
     }
-    void exchange(std::uint64_t& old) override { reinterpret_cast<History*>(old)->toggle(body().values); }
+    void exchange(std::uint64_t& old) override { reinterpret_cast<History*>(old)->toggle(changed()); }
     void forget(std::uint64_t old) override { delete reinterpret_cast<History*>(old); }
     std::size_t historyBytes(std::uint64_t old) const override { return reinterpret_cast<History*>(old)->bytes(); }
 
@@ -180,12 +183,21 @@ private:
 
     struct Body {
         std::vector<T> values;
+        std::uint64_t revision = 0;
         History* open = nullptr;          // of the item being recorded; valid while the flag `recorded` is set
         std::vector<std::uint64_t> kept;  // a bit per page of the open step
     };
     Body& body() {
         if (!body_) body_ = std::make_unique<Body>();
         return *body_;
+    }
+    std::vector<T> const& stored() const { return raw(); }
+    std::vector<T>& changed() {  // to be changed anywhere
+        ++body().revision;
+        return body_->values;
+    }
+    std::vector<T>& edited(std::size_t from) {  // to be changed from that place on
+        return from < stored().size() ? changed() : body().values;
     }
     void keepPage(std::size_t i) {
         if (body_->open->covers(i)) return;
@@ -204,7 +216,7 @@ private:
     }
     void splice(std::size_t at, std::size_t removed, std::vector<T> inserted) {
         if (!beginEdit()) return;
-        std::vector<T>& v = body().values;
+        std::vector<T>& v = edited(at);
         std::size_t const count = inserted.size();
         std::vector<T> out;
         if (removed == v.size()) {  // the whole changes hands

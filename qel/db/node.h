@@ -98,6 +98,11 @@ public:
     void getParents(std::vector<Node*>& out) const;  // the primary one first
     Node* getChild(std::size_t i) const;             // null beyond the end
     std::size_t getChildCount() const { return childCount_; }
+    Node* firstChild() const { return firstChild_ ? firstChild_->child : nullptr; }
+    Node* lastChild() const { return lastChild_ ? lastChild_->child : nullptr; }
+    template<class Visit> void forEachChild(Visit const& visit) const {  // which changes nothing
+        for (ChildLink const* l = firstChild_; l; l = l->next) visit(*l->child);
+    }
     Node* findChild(std::wstring_view name) const;
     void getDescendents(std::vector<Node*>& out) const;  // depth first, each once
     // Neither itself, nor one of its ancestors, nor twice the same child; and this node takes children. A database

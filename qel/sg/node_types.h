@@ -2,6 +2,7 @@
 // what computes.
 #pragma once
 #include "qel/sg/animation_node.h"
+#include "qel/sg/selection_node.h"
 #include "qel/sg/transform_node.h"
 
 namespace sg {
@@ -70,7 +71,6 @@ SG_NODE_TYPE(GroupNode, Node, L"Group")
 SG_NODE_TYPE(CollisionGroupNode, GroupNode, L"CollisionGroup")
 SG_NODE_TYPE(DisplayGroupNode, GroupNode, L"DisplayGroup")
 SG_NODE_TYPE(SelectionGroupNode, GroupNode, L"SelectionGroup")
-SG_NODE_TYPE(SelectionNode, Node, L"Selection")
 SG_NODE_TYPE(SceneSettingsNode, Node, L"SceneSettings")
 SG_NODE_TYPE(ViewportEditorSettingsNode, Node, L"ViewportEditorSettings")
 

@@ -2,6 +2,7 @@
 // renderer asks for each node of each frame.
 #include "tavo/interaction/scene_objects.h"
 #include "tavo/objects/database_change.h"
+#include <utility>
 
 namespace Tavo {
 namespace {
@@ -47,6 +48,18 @@ bool hasMember(XObjectGroup const& group, XObject const& object) {
     Qelutils::Vector<XObject> members;
     group.ObjectReferenceArray().ObjectRefs(members);
     return std::find(members.begin(), members.end(), object) != members.end();
+}
+
+// What is in the set already brought all below it along, so that nested selections cost their union.
+void addDescendants(db::Node const& top, XScene::ObjectIDs& set) {
+    std::vector<db::Node const*> waiting = {&top};
+    while (!waiting.empty()) {
+        db::Node const& node = *waiting.back();
+        waiting.pop_back();
+        node.forEachChild([&](db::Node const& child) {
+            if (set.insert(child.getID()).second) waiting.push_back(&child);
+        });
+    }
 }
 
 }  // namespace
@@ -107,19 +120,30 @@ Qelutils::Vector<XSelectionGroup>& XSceneObject::SelectionGroups(Qelutils::Vecto
 
 // ---- the sets ----
 
-void XScene::clearSelectionCache() {
-    objects().selected.clear();
-    objects().descendantsOfSelected.clear();
+void XScene::clearSelectionCache() { objects().selectionCache = {}; }
+
+// Made when first asked for: many selections come and go between two frames.
+void XScene::loadSelectionCache() { objects().selectionCache.isDue = true; }
+
+void XScene::reloadSelectionCache() {
+    clearSelectionCache();
+    loadSelectionCache();
 }
 
-void XScene::loadSelectionCache() {
-    Qelutils::Vector<XObject> selected, below;
+void XScene::updateSelectionCache(XSceneChange const& change, bool) {
+    if (change.IsSelectionChange()) reloadSelectionCache();
+}
+
+XSelectionCache const& XScene::selectionCache() const {
+    XSelectionCache& cache = objects().selectionCache;
+    if (!std::exchange(cache.isDue, false)) return cache;
+    Qelutils::Vector<XObject> selected;
     for (XObject const& object : Selection().Objects(selected)) {
-        objects().selected.insert(object.ObjectID());
-        object.DescendantObjects(below);
-        for (XObject const& descendant : below)
-            if (XSceneObject(descendant).IsValid()) objects().descendantsOfSelected.insert(descendant.ObjectID());
+        if (!object.IsValid()) continue;
+        cache.selected.insert(object.ObjectID());
+        if (!cache.descendants.contains(object.ObjectID())) addDescendants(*object.getNode(), cache.descendants);
     }
+    return cache;
 }
 
 void XScene::clearGroupCache() {

@@ -12,6 +12,11 @@
 
 namespace Tavo {
 
+struct XSelectionCache {
+    XScene::ObjectIDs selected, descendants;  // what is both stands in both
+    bool isDue = false;                       // to be loaded before the next look
+};
+
 struct XSceneObjects {
     XGrid grid;
     XTransform root;
@@ -29,7 +34,7 @@ struct XSceneObjects {
     XViewportSettings viewportSettings;
 
     std::array<XScene::ObjectIDs, 3> groupSets;  // by XGroupMode
-    XScene::ObjectIDs selected, descendantsOfSelected;
+    XSelectionCache selectionCache;
 };
 
 }  // namespace Tavo

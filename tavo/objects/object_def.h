@@ -23,6 +23,8 @@ public:
     virtual XObject* CreateObject(XDatabase* database, int id) = 0;
     virtual bool CanUnregister() const { return true; }  // false while handles of the type are in use
     virtual bool IsTranslator() const { return false; }
+    // Whether the type leaves it at the base's word that any object may be selected: then no handle need be asked.
+    virtual bool AlwaysSupportsSelection() const { return false; }
 
     std::wstring const& ObjectType() const;  // the most derived
     std::wstring const& NodeType() const;

@@ -112,14 +112,14 @@ XObject XObject::Next() const {
     db::Node const* family = hasLiveNode() ? familyOf(getNode()) : nullptr;
     if (!family) return *this;
     db::Node* const next = getNode()->nextSibling();
-    return next ? next : family->getChild(0);
+    return next ? next : family->firstChild();
 }
 
 XObject XObject::Previous() const {
     db::Node const* family = hasLiveNode() ? familyOf(getNode()) : nullptr;
     if (!family) return *this;
     db::Node* const previous = getNode()->previousSibling();
-    return previous ? previous : family->getChild(family->getChildCount() - 1);
+    return previous ? previous : family->lastChild();
 }
 
 // ---- ancestors ----

@@ -25,11 +25,22 @@
 #include "tavo/objects/object.h"
 #include "tavo/objects/object_def.h"
 #include <type_traits>
+#include <typeinfo>
 
 namespace Tavo {
 
+class XSceneObject;
+
 namespace detail {
 XObject objectByID(XDatabase* database, int id);  // a null database gives an invalid handle
+template<class Class> Class ownerOf(bool (Class::*)() const);
+// Where the class that a type inherits supportsSelection from is the base of all that have it.
+template<class Object> constexpr bool inheritsSupportsSelection() {
+    if constexpr (requires { ownerOf(&Object::supportsSelection); })
+        return std::is_same_v<decltype(ownerOf(&Object::supportsSelection)), XSceneObject>;
+    else
+        return false;
+}
 }  // namespace detail
 
 template<class Object> class XTypedDef;
@@ -90,6 +101,10 @@ public:
             return new Object();  // a value without a node
     }
     bool CanUnregister() const override { return Object::ObjectRefCount() <= 1 && XTypedDef::BaseDef::CanUnregister(); }
+    // A definition that derives from this one may make handles of another class.
+    bool AlwaysSupportsSelection() const override {
+        return detail::inheritsSupportsSelection<Object>() && typeid(*this) == typeid(XTypedDef);
+    }
 
 private:
     using BaseDef = std::conditional_t<std::is_same_v<typename Object::Base, XObject>, XObjectDef,

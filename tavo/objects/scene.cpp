@@ -1,14 +1,39 @@
 #include "tavo/objects/scene.h"
+#include "qel/utils/text.h"
 #include "tavo/app/application.h"
 #include "tavo/app/observers.h"
 #include "tavo/app/script_engine.h"
 #include "tavo/objects/database_change.h"
 #include "tavo/objects/scene_graph.h"
+#include <chrono>
+#include <cstdlib>
+#include <cxxabi.h>
+#include <memory>
+#include <typeinfo>
 
 namespace Tavo {
 namespace {
 
 XApplication& application() { return XApplication::Instance(); }
+
+std::string classNameOf(XSceneObserver const& observer) {
+    int status = 0;
+    std::unique_ptr<char, void (*)(void*)> const name(
+        abi::__cxa_demangle(typeid(observer).name(), nullptr, nullptr, &status), std::free);
+    return name ? name.get() : typeid(observer).name();
+}
+
+// Each observer in its order; how long it took goes to the log while the graph times its observers.
+template<class Notice> void tellSceneObservers(wchar_t const* operation, Notice const& notice) {
+    application().ForEachSceneObserver([&](XSceneObserver& observer) {
+        if (!XSceneGraph::IsTimingEnabled()) return notice(observer);
+        std::string const name = classNameOf(observer);  // now: it may be gone after the call
+        auto const start = std::chrono::steady_clock::now();
+        notice(observer);
+        std::chrono::duration<double, std::milli> const taken = std::chrono::steady_clock::now() - start;
+        application().LogDebug(L"%s::%s(): %.3f ms", Qelutils::fromUtf8(name), std::wstring(operation), taken.count());
+    });
+}
 
 }  // namespace
 
@@ -97,8 +122,7 @@ void XScene::upgradeSceneFileVersion() {
 void XScene::prepareSceneForEditing() {
     SceneGraph()->setCheckpoint();
     SetActiveTool(unsigned(_sceneSettings.ActiveTool().Integer()));
-    clearSelectionCache();
-    loadSelectionCache();
+    reloadSelectionCache();
     clearVisibilityCache();
     loadVisibilityCache();
     reloadGroupCache();
@@ -165,10 +189,7 @@ void XScene::onSceneChangedPostCommit(XDatabaseChange const& databaseChange, boo
     bool const selectionChanged = change.IsSelectionChange(), timeChanged = change.IsTimeChange();
     updateGroupCache(change, transient);
     updateObjectColourCache(change, transient);
-    if (selectionChanged) {
-        clearSelectionCache();
-        loadSelectionCache();
-    }
+    updateSelectionCache(change, transient);
     if (!transient) updateVisibilityCache(change);
     if (timeChanged || !transient) UpdateActiveToolTransform();
     UpdateActiveToolWeights(change, transient);
@@ -197,18 +218,19 @@ void XScene::doNotifySceneLoaded() {
 }
 
 void XScene::doNotifySceneChanged(XSceneChange const& change, bool transient) {
-    application().ForEachSceneObserver([&](XSceneObserver& each) { each.OnSceneChanged(change, transient); });
+    tellSceneObservers(L"OnSceneChanged", [&](XSceneObserver& each) { each.OnSceneChanged(change, transient); });
     application().ForEachScriptEngine([&](XScriptEngine& engine) { engine.NotifySceneChanged(change, transient); });
 }
 
 void XScene::doNotifySceneSelectionChanged(bool transient) {
-    application().ForEachSceneObserver([&](XSceneObserver& each) { each.OnSceneSelectionChanged(*this, transient); });
+    tellSceneObservers(L"OnSceneSelectionChanged",
+                       [&](XSceneObserver& each) { each.OnSceneSelectionChanged(*this, transient); });
     application().ForEachScriptEngine(
         [&](XScriptEngine& engine) { engine.NotifySceneSelectionChanged(*this, transient); });
 }
 
 void XScene::doNotifySceneTimeChanged(bool transient) {
-    application().ForEachSceneObserver([&](XSceneObserver& each) { each.OnSceneTimeChanged(*this, transient); });
+    tellSceneObservers(L"OnSceneTimeChanged", [&](XSceneObserver& each) { each.OnSceneTimeChanged(*this, transient); });
     application().ForEachScriptEngine([&](XScriptEngine& engine) { engine.NotifySceneTimeChanged(*this, transient); });
 }
 

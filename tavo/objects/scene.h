@@ -36,6 +36,7 @@ class XTimingTool;
 class XTransform;
 class XViewportSettings;
 struct XSceneObjects;
+struct XSelectionCache;
 
 enum XSceneMode : int {
     InteractiveMode = 0,
@@ -222,6 +223,9 @@ protected:
     // The caches, all derived data.
     void clearSelectionCache();
     void loadSelectionCache();
+    void reloadSelectionCache();
+    void updateSelectionCache(XSceneChange const& change, bool transient);
+    XSelectionCache const& selectionCache() const;  // the ids of what is selected, and of all below that
     void clearVisibilityCache();
     void loadVisibilityCache();
     void updateVisibilityCache(XSceneChange const& change);

@@ -276,6 +276,28 @@ TEST_F(Scene, ACommitIsToldOfInOrder) {
     EXPECT_EQ(recorder.take(), (Events{"Changed 0", "script Changed"}));
 }
 
+TEST_F(Scene, ObserversAreTimedWhileTheGraphTimesThem) {
+    XObject const joint = scene().CreateObject(XJoint::TypeID);
+    scene().CommitTransient();
+    Recorder recorder;
+    log.clear();
+    for (bool isTiming : {true, false}) {
+        db::Database::setObserverTimingEnabled(isTiming);
+        scene().BeginChangeBlock();
+        scene().Selection().Select(joint);
+        time().Time().SetFloat(time().Time().Float() + 1);
+        scene().EndChangeBlock();
+        std::vector<std::wstring> lines;
+        for (std::wstring const& line : log.texts(RecordingLog::Debug))
+            if (line.starts_with(L"Tavo::Recorder")) lines.push_back(line.substr(0, line.find(L' ')));
+        EXPECT_EQ(lines, isTiming ? (std::vector<std::wstring>{L"Tavo::Recorder::OnSceneChanged():",
+                                                               L"Tavo::Recorder::OnSceneSelectionChanged():",
+                                                               L"Tavo::Recorder::OnSceneTimeChanged():"})
+                                  : std::vector<std::wstring>());
+        log.clear();
+    }
+}
+
 TEST_F(Scene, AnObserverMayEditWhileItIsTold) {
     struct Editor : XSceneObserver {
         int told = 0;

@@ -25,6 +25,35 @@ TEST_F(Arrays, BeyondTheEndNothingHappens) {
     EXPECT_EQ(database.getUndoCount(), 2u);
 }
 
+TEST_F(Arrays, TheRevisionMovesWithEveryChangeButAnAppend) {
+    auto const revision = [&] { return numbers(n).revision(); };
+    EXPECT_EQ(revision(), 0u);
+    fill(3);
+    step([&] { numbers(n).insert(9, 3), numbers(n).resize(6); });
+    EXPECT_EQ(revision(), 0u);
+    std::function<void()> const changes[] = {
+        [&] { numbers(n).setElement(7, 1); },    [&] { numbers(n).insert(7, 1); },     [&] { numbers(n).removeAt(0); },
+        [&] { numbers(n).resize(2); },           [&] { numbers(n).setValue({1, 2}); }, [&] { numbers(n).raw()[0] = 5; },
+        [&] { numbers(n).setToDefaultValue(); },
+    };
+    for (std::size_t i = 0; i < std::size(changes); ++i) {
+        std::uint64_t const before = revision();
+        step(changes[i]);
+        EXPECT_GT(revision(), before) << i;
+    }
+    step([&] { numbers(n).add(1); });
+    for (bool back : {true, true, false, true}) {
+        std::uint64_t const before = revision();
+        EXPECT_TRUE(back ? database.undo() : database.redo());
+        EXPECT_GT(revision(), before);
+    }
+    database.beginChangeBlock();
+    numbers(n).add(3);
+    std::uint64_t const before = revision();
+    database.cancel();
+    EXPECT_GT(revision(), before);
+}
+
 TEST_F(Arrays, NewElementsHaveTheDefaultOfTheRow) {
     step([&] { get<IntArrayAttribute>(n, L"IntegerArray").resize(2); });
     EXPECT_EQ(get<IntArrayAttribute>(n, L"IntegerArray").getValue(), (std::vector<int>{3, 3}));
