@@ -2,6 +2,7 @@
 // command's. From it follow storage, defaults, files, and what a host tells about the command.
 #pragma once
 #include "tavo/commands/command.h"
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -37,7 +38,9 @@ template<class Command, int number> constexpr bool ownsParameter() {
         return true;
     else {
         constexpr db::AttributeDef mine = Command::parameter(N{}), theirs = Command::Base::parameter(N{});
-        return mine.initial[0] != theirs.initial[0] || mine.children.data() != theirs.children.data();
+        auto const initial = [](db::AttributeDef const& row) { return row.initial[0]; };
+        return initial(mine) != initial(theirs) ||
+               !std::ranges::equal(mine.children, theirs.children, {}, initial, initial);
     }
 }
 

@@ -42,7 +42,7 @@ TEST_F(Do, RunsTheCommandsInTheirOrderAndTellsStepsAndResults) {
     EXPECT_EQ(result("do walk.tavo -o out.tavo CreateJoint TranslationX=0.5 -- CreateJoint -- SelectAll -- SetKey"),
               "CreateJoint: 1 step\n  Scene|joint  (Joint)\n"
               "CreateJoint: 1 step\n  Scene|joint|joint  (Joint)\n"
-              "SelectAll: 1 step\nSetKey: no step\nwrote out.tavo\n");
+              "SelectAll: 1 step\nSetKey: 1 step\nwrote out.tavo\n");
     EXPECT_TRUE(holds("out.tavo", "joint\n    joint\n"));
     EXPECT_EQ(value("out.tavo", "Scene|joint", "TranslationX"), "0.5");
 }
@@ -190,7 +190,7 @@ TEST_F(Do, ACommandThatOnlyWarnsIsNoFailure) {
 
 TEST_F(Do, ParentOnItsOrdinaryRouteIsNoFailure) {
     EXPECT_EQ(result("do walk.tavo --select Head --select Hips Parent"), "selected 2 objects\nParent: 1 step\n");
-    EXPECT_EQ(result("do walk.tavo --select Head Parent"), "selected 1 object\nParent: no step\n");
+    EXPECT_EQ(result("do walk.tavo --select Head Parent"), "selected 1 object\nParent: 1 step\n");
 }
 
 // ---- settings ----
