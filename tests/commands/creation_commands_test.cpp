@@ -106,6 +106,16 @@ TEST_F(CreationCommands, RepeatedJointsAreAChainAlongX) {
     EXPECT_EQ(selected(), Objects{leg});
 }
 
+// Also where the root, below which it is made, has one of that name.
+TEST_F(CreationCommands, AJointIsNamedAmongTheChildrenOfItsParent) {
+    select({});
+    EXPECT_EQ(run(L"CreateJoint").Name(), L"joint");
+    select({leg});
+    EXPECT_EQ(run(L"CreateJoint").Name(), L"joint");
+    select({leg});
+    EXPECT_EQ(run(L"CreateJoint").Name(), L"joint1");
+}
+
 TEST_F(CreationCommands, AJointWithNothingAboveHangsBelowTheRoot) {
     for (bool characterize : {true, false}) {
         select({});

@@ -64,20 +64,29 @@ TEST_F(SelectionCommands, FirstChildrenTakeThePlaceOfAll) {
     EXPECT_EQ(after(L"SelectChild", {chest, leg}), (Objects{chest, leg}));
 }
 
+// Below a joint without curves: those are siblings as well.
 TEST_F(SelectionCommands, SiblingsFollowInARing) {
-    EXPECT_EQ(after(L"SelectNext", {spine}), Objects{leg});
-    EXPECT_EQ(after(L"SelectNext", {leg}), Objects{spine});
-    EXPECT_EQ(after(L"SelectPrevious", {spine}), Objects{leg});
-    EXPECT_EQ(after(L"SelectPrevious", {leg}), Objects{spine});
-    EXPECT_EQ(after(L"SelectNext", {spine, leg}), (Objects{leg, spine}));
+    XObject const a = scene().CreateObject(XJoint::TypeID, leg), b = scene().CreateObject(XJoint::TypeID, leg);
+    EXPECT_EQ(after(L"SelectNext", {a}), Objects{b});
+    EXPECT_EQ(after(L"SelectNext", {b}), Objects{a});
+    EXPECT_EQ(after(L"SelectPrevious", {a}), Objects{b});
+    EXPECT_EQ(after(L"SelectPrevious", {b}), Objects{a});
+    EXPECT_EQ(after(L"SelectNext", {a, b}), (Objects{b, a}));
     run(L"SelectPrevious");
-    EXPECT_EQ(selected(), (Objects{spine, leg}));
+    EXPECT_EQ(selected(), (Objects{a, b}));
 }
 
 TEST_F(SelectionCommands, AnOnlyChildStaysSelected) {
-    EXPECT_EQ(after(L"SelectNext", {chest}), Objects{chest});
+    XObject const only = scene().CreateObject(XJoint::TypeID, leg);
+    EXPECT_EQ(after(L"SelectNext", {only}), Objects{only});
     EXPECT_EQ(after(L"SelectPrevious", {box}), Objects{box});
-    EXPECT_EQ(after(L"SelectNext", {chest, leg}), Objects{spine});
+    XObject const a = scene().CreateObject(XJoint::TypeID, prop);
+    EXPECT_EQ(after(L"SelectNext", {only, a}), Objects{box});
+}
+
+// What hangs below an animated joint are its curves too, and nothing forbids that they are selected.
+TEST_F(SelectionCommands, CurvesAreSiblingsLikeOthers) {
+    EXPECT_TRUE(XAnimation(after(L"SelectNext", {chest}).front()).IsValid());
 }
 
 // The root of the scene stands among the tools, which cannot be selected.

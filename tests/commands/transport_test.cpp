@@ -76,19 +76,20 @@ TEST_F(Transport, ATimeThatWasGoneToIsNoStepAndJoinsTheNext) {
 
 TEST_F(Transport, UndoTakesAStepBackAndAddsNoneSoThatRedoIsThere) {
     run(L"CreateTransform");
+    run(L"CreateTransform");
     XObject const made = selected().front();
     undo();
     EXPECT_FALSE(made.IsValid());
-    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(undoCount(), 1);
     EXPECT_EQ(scene().SceneGraph()->getRedoCount(), 1u);
     redo();
     EXPECT_TRUE(made.IsValid());
-    EXPECT_EQ(undoCount(), 1);
+    EXPECT_EQ(undoCount(), 2);
     EXPECT_EQ(selected(), std::vector<XObject>{made});
     redo();
-    undo();
-    undo();
-    EXPECT_EQ(stepCount(), 1);
+    for (int i = 0; i < 3; ++i) undo();
+    EXPECT_EQ(undoCount(), 0);
+    EXPECT_EQ(stepCount(), 2);
     EXPECT_TRUE(log.entries.empty());
 }
 
