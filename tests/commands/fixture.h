@@ -64,7 +64,7 @@ protected:
     XTransform prop;
     XPrimitive box;
 
-private:
+protected:
     static XJoint joint(std::wstring const& name, XObject const& parent, XVector3 const& at) {
         XJoint made(scene().CreateObject(XJoint::TypeID, parent));
         made.SetName(name);
