@@ -28,6 +28,14 @@ namespace detail {
 
 inline constexpr int ParameterLimit = 96;
 
+// By value: whether two arrays are the same one is no constant expression under the sanitizers.
+constexpr bool hasSameDefault(db::AttributeDef const& a, db::AttributeDef const& b) {
+    if (a.initial[0] != b.initial[0] || a.children.size() != b.children.size()) return false;
+    for (std::size_t i = 0; i < a.children.size(); ++i)
+        if (!hasSameDefault(a.children[i], b.children[i])) return false;
+    return true;
+}
+
 // A command sees the parameters of its base as well; its own are those that the base lacks, or gives another default.
 template<class Command, int number> constexpr bool ownsParameter() {
     using N = XParameterNumber<number>;
@@ -37,7 +45,7 @@ template<class Command, int number> constexpr bool ownsParameter() {
         return true;
     else {
         constexpr db::AttributeDef mine = Command::parameter(N{}), theirs = Command::Base::parameter(N{});
-        return mine.initial[0] != theirs.initial[0] || mine.children.data() != theirs.children.data();
+        return !hasSameDefault(mine, theirs);
     }
 }
 
