@@ -2,7 +2,6 @@
 // command's. From it follow storage, defaults, files, and what a host tells about the command.
 #pragma once
 #include "tavo/commands/command.h"
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -29,6 +28,14 @@ namespace detail {
 
 inline constexpr int ParameterLimit = 96;
 
+// By value: whether two arrays are the same one is no constant expression under the sanitizers.
+constexpr bool hasSameDefault(db::AttributeDef const& a, db::AttributeDef const& b) {
+    if (a.initial[0] != b.initial[0] || a.children.size() != b.children.size()) return false;
+    for (std::size_t i = 0; i < a.children.size(); ++i)
+        if (!hasSameDefault(a.children[i], b.children[i])) return false;
+    return true;
+}
+
 // A command sees the parameters of its base as well; its own are those that the base lacks, or gives another default.
 template<class Command, int number> constexpr bool ownsParameter() {
     using N = XParameterNumber<number>;
@@ -38,9 +45,7 @@ template<class Command, int number> constexpr bool ownsParameter() {
         return true;
     else {
         constexpr db::AttributeDef mine = Command::parameter(N{}), theirs = Command::Base::parameter(N{});
-        auto const initial = [](db::AttributeDef const& row) { return row.initial[0]; };
-        return initial(mine) != initial(theirs) ||
-               !std::ranges::equal(mine.children, theirs.children, {}, initial, initial);
+        return !hasSameDefault(mine, theirs);
     }
 }
 
