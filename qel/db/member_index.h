@@ -26,17 +26,19 @@ public:
     }
 
 private:
+    using Counts = std::unordered_map<Key, std::size_t>;
+
     template<class Array> void follow(Array const& array) {
         auto const& values = array.getValue();  // may bring the array up to date, so it comes first
         if (revision_ != array.revision()) {
-            counts_ = {};
+            counts_ = Counts();  // not cleared: that would cost the most it ever held
             read_ = 0;
             revision_ = array.revision();
         }
         for (; read_ < values.size(); ++read_) ++counts_[KeyOf()(values[read_])];
     }
 
-    std::unordered_map<Key, std::size_t> counts_;
+    Counts counts_;
     std::size_t read_ = 0;
     std::uint64_t revision_ = 0;
 };
