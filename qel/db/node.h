@@ -21,7 +21,8 @@ public:
     using Construct = Node* (*)(void* at, NodeDef const& def);
 
     // `rows` are those that the type adds to its base, and first, those of the base that it restates with another
-    // default; a number above the next free one leaves a gap, which reserved attributes fill. `size` is that of the node's class. A type that is only a base has no `construct`.
+    // default; a number above the next free one leaves a gap, which reserved attributes fill. `size` is that of the
+    // node's class. A type that is only a base has no `construct`.
     NodeDef(wchar_t const* nameSpace, wchar_t const* classID, NodeDef const* base, std::span<AttributeDef const> rows,
             std::size_t size, Construct construct);
     NodeDef(NodeDef const&) = delete;

@@ -118,7 +118,7 @@ public:
     bool IsSettings() const { return (_flags & SettingsFlag) != 0; }
     XSceneGraph* SceneGraph() const { return _graph.get(); }  // null while inert
     XModule& CoreModule() { return _coreModule; }
-    XObjectDef* ObjectDefinition(std::wstring const& name) const;  // by object type, then by node type; or null
+    XObjectDef* ObjectDefinition(std::wstring const& name) const;      // by object type, then by node type; or null
     void ObjectDefinitions(Qelutils::Vector<XObjectDef*>& out) const;  // in the order of the types' words
     std::map<std::wstring, XTranslatorDef*> const& Translators() const { return _translators; }  // by extension
 

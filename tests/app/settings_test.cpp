@@ -1,9 +1,9 @@
 #include "qel/db/saver_xml.h"
 #include "tests/app/fixture.h"
 #include "tests/app/recorder.h"
+#include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
