@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <regex>
 #include <sstream>
 #include <sys/wait.h>
 #include <thread>
@@ -204,6 +203,13 @@ std::string repeated(std::string const& text, int times) {
     return all;
 }
 
+std::string withoutIndents(std::string const& text) {
+    std::istringstream lines(text);
+    std::string all;
+    for (std::string line; std::getline(lines >> std::ws, line);) all += line + "\n";
+    return all;
+}
+
 class PartlyUnknownSettings : public Settings {
 protected:
     // Loads a file of these nodes and saves it; the result.
@@ -215,7 +221,7 @@ protected:
     }
     std::string saved() {
         EXPECT_TRUE(application().SaveSettings(file("out.xml")));
-        return std::regex_replace(read("out.xml"), std::regex("\n +"), "\n");
+        return withoutIndents(read("out.xml"));
     }
     static bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
 };
@@ -355,7 +361,7 @@ TEST_F(KilledSaver, LeavesTheOldSettingsOrTheNewOnesWhole) {
         ASSERT_GT(contents[i].size(), 400'000u);
         EXPECT_TRUE(application().LoadSettings(file("settings.xml")));
     }
-    // Half of the kills are to come before the first save is done: the range follows what the machine needs.
+    // One kill in five is to come after a save is done, the others under way: the range follows what the machine needs.
     std::mt19937 random(1);
     double range = 1000;  // microseconds
     int changes = 0;
@@ -367,7 +373,7 @@ TEST_F(KilledSaver, LeavesTheOldSettingsOrTheNewOnesWhole) {
         ASSERT_TRUE(left == contents[0] || left == contents[1]) << "kill " << kill << ": " << left.size() << " bytes";
         ASSERT_LE(fileCount(), 2u);
         changes += left != before;
-        range *= left == before ? 1.1 : 1 / 1.1;
+        range *= left == before ? 1.05 : 1 / 1.2;
     }
     EXPECT_GT(changes, 0);
     EXPECT_LT(changes, 200);
