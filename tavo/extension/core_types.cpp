@@ -8,12 +8,24 @@
 #include "tavo/interaction/tool.h"
 #include "tavo/interaction/viewport_settings.h"
 #include "tavo/kinematics/camera.h"
+#include "tavo/kinematics/character.h"
+#include "tavo/kinematics/ik_handle.h"
+#include "tavo/kinematics/ik_solver.h"
 #include "tavo/kinematics/joint.h"
+#include "tavo/kinematics/joint_limit.h"
 #include "tavo/kinematics/light.h"
+#include "tavo/kinematics/mesh_instance.h"
 #include "tavo/kinematics/null.h"
+#include "tavo/kinematics/pole_vector.h"
 #include "tavo/kinematics/shape.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/settings.h"
+#include "tavo/physics/physics_body.h"
+#include "tavo/physics/physics_character.h"
+#include "tavo/physics/physics_constraint.h"
+#include "tavo/physics/physics_joint.h"
+#include "tavo/physics/physics_joint_limit.h"
+#include "tavo/physics/physics_mesh_instance.h"
 
 namespace Tavo {
 namespace {
@@ -32,6 +44,10 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     // kinematics
     registerAll<XRenderObjectDef, XTransformDef, XShapeDef, XPrimitiveDef, XGridDef, XCameraDef, XLightDef, XJointDef,
                 XNullDef>(database);
+    registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef>(database);
+    // physics
+    registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
+                XPhysicsMeshInstanceDef>(database);
     // interaction
     registerAll<XSelectionDef, XObjectGroupDef, XDisplayGroupDef, XCollisionGroupDef, XSelectionGroupDef,
                 XViewportSettingsDef>(database);
