@@ -1,7 +1,17 @@
 // What is written to a transform: its attributes, and through them its local and its world matrix.
 #include "tavo/kinematics/transform.h"
+#include <cmath>
 
 namespace Tavo {
+namespace {
+
+bool isFinite(XMatrix const& m) {
+    for (int i = 0; i < 16; ++i)
+        if (!std::isfinite(m.Element(i / 4, i % 4))) return false;
+    return true;
+}
+
+}  // namespace
 
 using Node = sg::TransformNode;
 
@@ -58,7 +68,9 @@ XTransform& XTransform::SetPostRotationEulerAngles(XVector3 const& angles) {
 
 // The angles are read by the transform's own order, and from there on as "XYZ": for another order the two do not agree.
 // A decision of this system.
+// Below a parent that is scaled to almost nothing a place in the world may have no place in numbers: it is no source.
 XTransform& XTransform::SetLocalMatrix(XMatrix const& matrix, int mode) {
+    if (!isFinite(matrix)) return *this;
     XVector3 const translation = SubtractPreTranslation(matrix.Translation());
     XVector3 const read = matrix.RotationEulerAngles(RotationEulerOrder().Enumeration());
     XVector3 const angles(SubtractPrePostRotation(XQuaternion(read)));

@@ -5,6 +5,18 @@ namespace {
 
 // ---- reading ----
 
+TEST_F(TransformTest, APlaceThatHasNoNumbersBelowAParentOfNoSizeIsNotTaken) {
+    XMatrix const before = joint.LocalMatrix().Matrix();
+    for (float const scale : {0.f, 1e-30f, 1e-38f}) {
+        parent.SetScale(scale, scale, scale);
+        joint.SetWorldMatrix(place()).WorldTranslate(vector(5)).WorldRotateByEulerAngles(vector(1));
+        for (float const value : numbers(joint.LocalMatrix().Matrix())) EXPECT_TRUE(std::isfinite(value)) << scale;
+    }
+    parent.SetScale(1e-38f, 1e-38f, 1e-38f);
+    joint.SetLocalMatrix(before).SetWorldMatrix(XMatrix().SetTranslation(100, 100, 100));
+    EXPECT_MATRIX(joint.LocalMatrix().Matrix(), before);
+}
+
 TEST_F(TransformTest, TheWorldMatrixIsTheLocalOneTimesTheParentsWorld) {
     joint.SetTranslation(1, 0, 0);
     EXPECT_MATRIX(joint.WorldMatrix().Matrix(), joint.ConvertToWorldSpace(joint.LocalMatrix().Matrix()));
