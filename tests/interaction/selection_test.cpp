@@ -248,7 +248,7 @@ TEST_F(Selection, WhatIsInvalidOrNoSceneObjectSupportsSelection) {
 }
 
 // A type of which some objects may be selected and others not, behind a definition of its own.
-class Fickle : public XTyped<Fickle, XTransform, sg::CharacterNode> {
+class Fickle : public XTyped<Fickle, XTransform, sg::JointRetargetParamsNode> {
 public:
     static constexpr XWord TypeID = L"Fickle";
     using XTyped::XTyped;
