@@ -29,7 +29,12 @@ std::vector<std::wstring> objectNames(XScene& scene) {
     return {names.begin(), names.end()};
 }
 
-std::string lastName(std::string const& path) { return path.substr(path.rfind('|') + 1); }
+// Of a pattern what is left without its wildcards.
+std::string lastName(std::string const& path) {
+    std::string name = path.substr(path.rfind('|') + 1);
+    std::erase_if(name, [](char c) { return c == '*' || c == '?'; });
+    return name;
+}
 
 std::vector<XAttribute> attributesOf(std::vector<XObject> const& objects, std::wstring const& name) {
     std::vector<XAttribute> found;

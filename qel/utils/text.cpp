@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <system_error>
 #include <vector>
 
@@ -204,6 +205,23 @@ bool matchesWildcard(std::wstring_view text, std::wstring_view pattern) {
     return pattern.find_first_not_of(L'*', p) == std::wstring_view::npos;
 }
 
+namespace {
+
+constexpr int farAway = std::numeric_limits<int>::max();
+
+// How far `name` is from what was typed, in halves of an edit: a beginning of a name counts as well, a little less.
+int typingDistance(std::wstring const& typed, std::wstring const& name) {
+    int const whole = editDistance(typed, name);
+    int nearest = whole * 3 <= static_cast<int>(name.size()) ? 2 * whole : farAway;
+    std::size_t const size = typed.size();
+    for (std::size_t length = size - 1; size >= 3 && length <= size + 1 && length < name.size(); ++length)
+        if (int const begun = editDistance(typed, name.substr(0, length)); begun * 3 <= static_cast<int>(size))
+            nearest = std::min(nearest, 2 * begun + 1);
+    return nearest;
+}
+
+}  // namespace
+
 std::wstring nearestNames(std::wstring const& wanted, std::wstring const* first, std::wstring const* last, int count) {
     struct Near {
         int distance;
@@ -212,8 +230,8 @@ std::wstring nearestNames(std::wstring const& wanted, std::wstring const* first,
     std::vector<Near> near;
     std::wstring const key = toLower(wanted);
     for (auto name = first; name != last; ++name) {
-        int const distance = editDistance(key, toLower(*name));
-        if (distance * 3 <= static_cast<int>(name->size())) near.push_back({distance, name});
+        int const distance = typingDistance(key, toLower(*name));
+        if (distance < farAway) near.push_back({distance, name});
     }
     std::stable_sort(near.begin(), near.end(), [](Near a, Near b) { return a.distance < b.distance; });
     near.resize(std::min(near.size(), static_cast<std::size_t>(std::max(count, 0))));

@@ -251,6 +251,10 @@ TEST(Text, ProposesTheNearestNames) {
     EXPECT_EQ(nearest(L"hpi"), L"hip");
     EXPECT_EQ(nearest(L"hop"), L"hip");
     EXPECT_EQ(nearest(L"knee"), L"");
+    EXPECT_EQ(nearest(L"trans"), L"translationX, translationY");
+    EXPECT_EQ(nearest(L"rotatoin"), L"rotationX");
+    EXPECT_EQ(nearest(L"Vsi"), L"Visible");
+    EXPECT_EQ(nearest(L"vx"), L"");
     EXPECT_EQ(nearest(L""), L"");
     EXPECT_EQ(nearest(L"hip", 0), L"");
 }
