@@ -79,11 +79,11 @@ template<class Items, class Text> std::size_t widest(Items const& items, Text co
 
 // ---- for people ----
 
-std::string listText(std::vector<XCommandInfo> const& all) {
+std::string listText(std::vector<XCommandInfo> const& all, char const* indent = "") {
     std::size_t const width = widest(all, [](XCommandInfo const& info) { return toUtf8(info.name); });
     std::string text;
     for (XCommandInfo const& info : all)
-        text += fmt::format("{:<{}}  {}\n", toUtf8(info.name), width, toUtf8(info.help));
+        text += fmt::format("{}{:<{}}  {}\n", indent, toUtf8(info.name), width, toUtf8(info.help));
     return text;
 }
 
@@ -215,6 +215,14 @@ void run(CommandsVerb const& verb) {
     if (verb.json) return writeResult(toJson(all, single));
     if (verb.markdown) return writeResult(single ? fullMarkdown(all.front()) : page(all));
     writeResult(single ? fullText(all.front()) : listText(all));
+}
+
+std::string commandsHelp() {
+    XDatabase settings;
+    settings.Register();
+    XCommandCatalogue::Register(settings);
+    return "Commands (`tavo commands NAME` tells the parameters):\n" +
+           listText(XCommandCatalogue::List(settings), "  ");
 }
 
 }  // namespace host

@@ -90,6 +90,9 @@ public:
         auto const found = examples.find(app->get_name());
         return app->get_description() + "\n\n" + (found == examples.end() ? "" : found->second + "\n\n");
     }
+    std::string make_footer(CLI::App const* app) const override {
+        return (app->get_name() == "do" ? '\n' + commandsHelp() : "") + CLI::Formatter::make_footer(app);
+    }
     std::string make_subcommands(CLI::App const* app, CLI::AppFormatMode mode) const override {
         std::string const text = CLI::Formatter::make_subcommands(app, mode);
         std::string const head = "Subcommands:";

@@ -81,4 +81,6 @@ void run(PlotVerb const& verb);
 void run(CommandsVerb const& verb);
 void run(DoVerb const& verb);
 
+std::string commandsHelp();  // what `do` can run, a line each, for its --help
+
 }  // namespace host

@@ -146,6 +146,13 @@ TEST_F(Failures, HelpBeginsWithExamplesAndEndsWithTheExitCodes) {
     }
 }
 
+TEST_F(Failures, HelpOfDoTellsEveryCommand) {
+    std::string const help = result("do --help");
+    EXPECT_TRUE(has(help, "  AlignAxis  ")) << help;
+    EXPECT_TRUE(has(help, "  Undo  ")) << help;
+    EXPECT_TRUE(has(help, "Points an axis of each selected transform at its children, which stay.\n")) << help;
+}
+
 TEST_F(Failures, VersionIsANumber) {
     std::string const told = result("--version");
     EXPECT_EQ(told.rfind("tavo ", 0), 0u);
