@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <system_error>
 #include <vector>
 
@@ -207,32 +206,39 @@ bool matchesWildcard(std::wstring_view text, std::wstring_view pattern) {
 
 namespace {
 
-constexpr int farAway = std::numeric_limits<int>::max();
+struct Near {
+    int distance;
+    std::wstring const* name;
+};
 
-// How far `name` is from what was typed, in halves of an edit: a beginning of a name counts as well, a little less.
-int typingDistance(std::wstring const& typed, std::wstring const& name) {
-    int const whole = editDistance(typed, name);
-    int nearest = whole * 3 <= static_cast<int>(name.size()) ? 2 * whole : farAway;
-    std::size_t const size = typed.size();
-    for (std::size_t length = size - 1; size >= 3 && length <= size + 1 && length < name.size(); ++length)
-        if (int const begun = editDistance(typed, name.substr(0, length)); begun * 3 <= static_cast<int>(size))
-            nearest = std::min(nearest, 2 * begun + 1);
+// Those whose distance is at most a third of what is compared.
+template<class Distance>
+std::vector<Near> namesWithin(std::wstring const* first, std::wstring const* last, Distance const& distanceOf) {
+    std::vector<Near> near;
+    for (auto name = first; name != last; ++name)
+        if (int const distance = distanceOf(toLower(*name)); distance >= 0) near.push_back({distance, name});
+    return near;
+}
+
+int unlessFar(int distance, std::size_t length) { return distance * 3 <= static_cast<int>(length) ? distance : -1; }
+
+// Of the beginnings of about its length.
+int distanceToBeginning(std::wstring const& typed, std::wstring const& name) {
+    int nearest = -1;
+    for (std::size_t length = typed.size() - 1; length <= typed.size() + 1 && length < name.size(); ++length)
+        if (int const d = unlessFar(editDistance(typed, name.substr(0, length)), typed.size()); d >= 0)
+            nearest = nearest < 0 ? d : std::min(nearest, d);
     return nearest;
 }
 
 }  // namespace
 
 std::wstring nearestNames(std::wstring const& wanted, std::wstring const* first, std::wstring const* last, int count) {
-    struct Near {
-        int distance;
-        std::wstring const* name;
-    };
-    std::vector<Near> near;
     std::wstring const key = toLower(wanted);
-    for (auto name = first; name != last; ++name) {
-        int const distance = typingDistance(key, toLower(*name));
-        if (distance < farAway) near.push_back({distance, name});
-    }
+    std::vector<Near> near = namesWithin(
+        first, last, [&](std::wstring const& name) { return unlessFar(editDistance(key, name), name.size()); });
+    if (near.empty() && key.size() >= 3)
+        near = namesWithin(first, last, [&](std::wstring const& name) { return distanceToBeginning(key, name); });
     std::stable_sort(near.begin(), near.end(), [](Near a, Near b) { return a.distance < b.distance; });
     near.resize(std::min(near.size(), static_cast<std::size_t>(std::max(count, 0))));
     std::wstring out;
