@@ -141,9 +141,10 @@ void PathGeometry::replaceAll(std::vector<PathBezier> curves) {
 }
 
 void PathGeometry::keysChanged(PathKeys const& keys, std::span<int const> slots) {
-    keys_ = keys;
     int const count = keyCount();
-    if (keys.keys.size() != std::size_t(count)) return update(keys);
+    if (keys.keys.size() != std::size_t(count) || keys.tangentsCoefficient != keys_.tangentsCoefficient)
+        return update(keys);
+    keys_ = keys;
     for (int slot : slots)
         if (keys.keys[std::size_t(slot)].number != numbers_[std::size_t(ranks_[std::size_t(slot)])])
             return update(keys);

@@ -55,7 +55,7 @@ class PathGeometry {
 public:
     // Any change. Linear in the keys, but for the lengths of what changed.
     void update(PathKeys const& keys);
-    // The keys in these slots have other values; nothing else changed.
+    // Of the keys only those in these slots changed. Costs what changed, and adding up behind it.
     void keysChanged(PathKeys const& keys, std::span<int const> slots);
 
     int keyCount() const { return int(order_.size()); }
