@@ -91,8 +91,8 @@ Vector knotsOfTurning(Vector const& parameters, Vector const& turning, int segme
 void spreadMissingKnots(Vector& knots, int segments, double last) {
     double const from = knots.back();
     int const missing = segments + 1 - int(knots.size());
-    for (int i = 1; i <= missing; ++i) knots.push_back(from + (last - from) * i / missing);
-    knots.back() = last;
+    for (int i = 1; i < missing; ++i) knots.push_back(from + (last - from) * i / missing);
+    knots.push_back(last);
 }
 
 // ---- the system ----
@@ -136,7 +136,7 @@ public:
         }
     }
 
-    // False on a pivot below the tolerance, and on a solution that is not finite.
+    // False on a pivot below the tolerance, and on a solution that is not finite, as behind a pivot of 0.
     bool solve(double pivotTolerance) {
         for (int r = 0; r < m_a.rows(); ++r)
             if (!eliminate(r, pivotTolerance)) return false;
@@ -153,7 +153,7 @@ private:
 
     bool eliminate(int r, double pivotTolerance) {
         double const pivot = m_a(r, 0);
-        if (!(std::abs(pivot) >= pivotTolerance) || pivot == 0) return false;
+        if (!(std::abs(pivot) >= pivotTolerance)) return false;
         for (int i = 1; i < reach(r); ++i) {
             double const factor = m_a(r, i) / pivot;
             for (int j = i; j < reach(r); ++j) m_a(r + i, j - i) -= factor * m_a(r, j);

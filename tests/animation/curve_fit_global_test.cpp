@@ -339,6 +339,18 @@ TEST(CurveFitGlobal, KnotsThatWouldNotComeInOrderAreSpreadEvenlyBehindThoseThatD
     expectKnots(fitter, {0, 8.25, 8.25 + 31.75 / 3, 8.25 + 63.5 / 3, 40});
 }
 
+// After the same corner the path runs straight back: the arc tangent is a little below 0, and what is left of the
+// corner's turning would place a knot far behind the end.
+TEST(CurveFitGlobal, KnotsThatWouldComeBehindTheEndAreSpreadEvenlyToo) {
+    Samples const samples = turningBy(41, [](int i) {
+        return i == 10 ? std::numbers::pi / 3 : i == 11 ? std::numbers::pi - 1e-3 : 1e-10;
+    });
+    Fitter fitter;
+    ASSERT_TRUE(fitter.superSegmentFit(samples, counting(41), 3, 1, pivot, knotEps));
+    double const first = referenceKnots(samples, counting(41), 3, 1)[1];
+    expectKnots(fitter, {0, first, (first + 40) / 2, 40});
+}
+
 TEST(CurveFitGlobal, AFullShareAtTheFirstSampleReadsNothingBeforeIt) {
     Samples const samples = sampled(40, 3, [](double i) {
         return Numbers{i, std::max(i - 1, 0.0), 0};
@@ -413,7 +425,8 @@ TEST(CurveFitGlobal, FewerSamplesThanUnknownsFail) {
     EXPECT_FALSE(fitter.superSegmentFit(winding(2), counting(2), 1, 3, pivot, knotEps));
     EXPECT_FALSE(fitter.superSegmentFit(winding(3), counting(3), 1, 3, pivot, knotEps));
     EXPECT_TRUE(fitter.superSegmentFit(winding(4), counting(4), 1, 3, pivot, knotEps));
-    EXPECT_FALSE(fitter.superSegmentFit(winding(41), counting(41), 20, 3, 0, knotEps));
+    for (int count = 3; count < 60; ++count)  // however small a pivot may be
+        EXPECT_FALSE(fitter.superSegmentFit(winding(count), counting(count), count / 2, 3, 0, knotEps));
     EXPECT_FALSE(fitter.superSegmentFit(winding(41), counting(41), INT_MAX, 3, 0, knotEps));
 }
 
