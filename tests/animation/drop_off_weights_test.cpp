@@ -38,6 +38,10 @@ TEST(DropOffWeights, InsideTheBallTheWeightIsOneAndTheRangeStartsAtItsSurface) {
     EXPECT_THAT(BallWeights(line(6), {1, 0, 0}, 1, dropoff), ElementsAre(1, 1, 1, dropoff.ComputeWeight(1), 0, 0));
 }
 
+TEST(DropOffWeights, TheSurfaceBelongsToTheBall) {
+    EXPECT_THAT(BallWeights(line(4), {1, 0, 0}, 1, XDropOff(-1)), ElementsAre(1, 1, 1, 0));
+}
+
 TEST(DropOffWeights, ABallOfNothingHoldsWhatIsExactlyAtItsCentre) {
     EXPECT_THAT(BallWeights(line(4), {2, 0, 0}, 0, 0), ElementsAre(0, 0, 1, 0));
     EXPECT_THAT(BallWeights(line(4), {2, 1e-6F, 0}, 0, 0), Each(0));
