@@ -2,7 +2,12 @@
 #pragma once
 #include "tavo/animation/animation.h"
 #include "tavo/animation/animation_layers.h"
+#include "tavo/animation/curve_fit_global.h"
+#include "tavo/animation/curve_fit_simple.h"
+#include "tavo/animation/drop_off.h"
+#include "tavo/animation/drop_off_weights.h"
 #include "tavo/animation/keyframe.h"
+#include "tavo/animation/timing_edits.h"
 #include "tavo/app/application.h"
 #include "tavo/app/observers.h"
 #include "tavo/app/script_base.h"
