@@ -19,6 +19,7 @@ FLOORS = [
     ["tavo/commands"],
     ["tavo/animation"],
     ["tavo/kinematics"],
+    ["tavo/trajectories"],
     ["tavo/physics"],
     ["tavo/interaction"],
     ["tavo/extension"],

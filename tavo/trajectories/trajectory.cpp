@@ -1,4 +1,4 @@
-#include "tavo/kinematics/trajectory.h"
+#include "tavo/trajectories/trajectory.h"
 
 namespace Tavo {
 
