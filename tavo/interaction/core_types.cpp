@@ -13,6 +13,7 @@
 #include "tavo/kinematics/shape.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/settings.h"
+#include "tavo/trajectories/trajectory.h"
 
 namespace Tavo {
 namespace {
@@ -31,6 +32,8 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     // kinematics
     registerAll<XRenderObjectDef, XTransformDef, XShapeDef, XPrimitiveDef, XGridDef, XCameraDef, XLightDef, XJointDef,
                 XNullDef>(database);
+    // trajectories
+    registerAll<XTrajectoryDef>(database);
     // interaction
     registerAll<XSelectionDef, XObjectGroupDef, XDisplayGroupDef, XCollisionGroupDef, XSelectionGroupDef,
                 XViewportSettingsDef>(database);

@@ -3,6 +3,8 @@
 // whether the trajectory may be edited is asked once, by the edit (XTrajectoryEdit).
 #pragma once
 #include "qel/sg/trajectory_node.h"
+#include <algorithm>
+#include <limits>
 
 namespace Tavo {
 
@@ -36,6 +38,7 @@ public:
     int continuity() const { return part<db::EnumAttribute>(Part::Continuity).getValue(); }
 
     void setNumber(int value) const { part<db::IntAttribute>(Part::KeyParameter).setValue(value); }
+    void raise(int by) const { setNumber(int(std::min(long(number()) + by, long(std::numeric_limits<int>::max())))); }
     void setInHandle(Qelp::Vector3 const& value) const { point(Part::InHandle).setValue(value); }
     void setPosition(Qelp::Vector3 const& value) const { point(Part::Position).setValue(value); }
     void setOutHandle(Qelp::Vector3 const& value) const { point(Part::OutHandle).setValue(value); }
@@ -62,9 +65,7 @@ public:
     int continuity() const { return part<db::EnumAttribute>(Continuity).getValue(); }
 
     void setAttachPoint(float value) const { part<db::FloatAttribute>(Part::AttachPoint).setValue(value); }
-    void setInTangent(Qelp::Vector3 const& value) const {
-        part<db::Vector3Attribute>(Part::InTangent).setValue(value);
-    }
+    void setInTangent(Qelp::Vector3 const& value) const { part<db::Vector3Attribute>(Part::InTangent).setValue(value); }
     void setOutTangent(Qelp::Vector3 const& value) const {
         part<db::Vector3Attribute>(Part::OutTangent).setValue(value);
     }
@@ -96,8 +97,5 @@ private:
 };
 using XTranslationKeys = XKeyArray<XTranslationKey, sg::TrajectoryNode::TranslationKeyframesArray>;
 using XRotationKeys = XKeyArray<XRotationKey, sg::TrajectoryNode::RotationKeyframesArray>;
-
-// The continuity of a key, as XKeyframe has it, by what it does to the two sides.
-enum XKeyContinuity : int { BrokenContinuity = 0, LinearContinuity = 1, LinearCoupledContinuity = 2 };
 
 }  // namespace Tavo
