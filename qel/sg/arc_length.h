@@ -1,7 +1,7 @@
 // The length of a Bezier curve from its start to any place, and back. Free of the scene.
 //
 // Method: the curve is cut where its speed has an extremum (the roots of B' . B'', a cubic), so that the speed is
-// monotonic in each piece; a cusp becomes the common end of two smooth pieces. A piece over which 16-point Gauss and
+// monotonic in each piece; a cusp becomes the common end of two smooth pieces. A piece over which 10-point Gauss and
 // Legendre integration of the speed does not agree with the sum over its halves to 1e-9 of the control polygon is
 // halved, until it does or is negligible (adaptive quadrature as in Guenter and Parent, "Computing the arc length of
 // parametric curves", IEEE Computer Graphics and Applications 10 (1990), which states the halving).
@@ -23,7 +23,7 @@ public:
     double length() const { return length_; }
     // Between 0 and `length`, from the start of the curve that was measured to u in [0, 1]. Never falls as u grows.
     double at(PathBezier const& curve, double u) const;
-    // The u whose length is `distance`, to 1e-12 of the whole; a distance outside is the nearer end.
+    // The u whose length is `distance`, to 1e-10 of the whole; a distance outside is the nearer end.
     double parameter(PathBezier const& curve, double distance) const;
 
 private:

@@ -25,8 +25,6 @@ double bounded(double x) { return x == x ? std::clamp(x, -farthest, farthest) : 
 
 // ---- keys and their order ----
 
-PathPoint PathGeometry::position(int rank) const { return toPoint(key(rank).position); }
-
 PathPoint PathGeometry::automaticTangent(int rank) const {
     int const before = std::max(rank - 1, 0), after = std::min(rank + 1, keyCount() - 1);
     double const share = finite(keys_.tangentsCoefficient) / std::max(after - before, 1);
@@ -85,9 +83,12 @@ void PathGeometry::sort() {
                   [&](int a, int b) { return number(a) != number(b) ? number(a) < number(b) : a < b; });
     ranks_.resize(count);
     numbers_.resize(count);
+    points_.resize(count);
     for (std::size_t rank = 0; rank < count; ++rank) {
+        PathKey const& k = key(int(rank));
         ranks_[std::size_t(order_[rank])] = int(rank);
-        numbers_[rank] = number(order_[rank]);
+        numbers_[rank] = k.number;
+        points_[rank] = toPoint(k.position);
     }
 }
 
@@ -111,65 +112,83 @@ PathBezier PathGeometry::curveOf(int rank) const {
 void PathGeometry::update(PathKeys const& keys) {
     keys_ = keys;
     sort();
-    std::vector<PathBezier> curves(std::size_t(std::max(keyCount() - 1, 0)));
-    for (std::size_t rank = 0; rank < curves.size(); ++rank) curves[rank] = curveOf(int(rank));
-    replaceAll(std::move(curves));
+    makeRoom();
+    for (int rank = 0; rank + 1 < keyCount(); ++rank) replace(rank);
     addUp(0);
 }
 
-// Where keys came or went the segments before and behind them keep their lengths.
-void PathGeometry::replaceAll(std::vector<PathBezier> curves) {
-    std::size_t const count = curves.size(), before = curves_.size(), both = std::min(count, before);
-    auto const isSame = [&](std::size_t rank, std::size_t old) {
-        return curves[rank] == curves_[old] && kindOf(int(rank)) == segments_[old].kind;
-    };
-    std::size_t tail = 0;
-    while (count != before && tail < both && isSame(count - 1 - tail, before - 1 - tail)) ++tail;
-    std::vector<Segment> segments(count);
-    std::vector<int> changed;
-    for (std::size_t rank = 0; rank < count; ++rank) {
-        std::size_t const old = rank + tail >= count ? rank + before - count : rank;
-        bool const isOwn = rank + tail >= count || (old + tail < before && isSame(rank, old));
-        if (isOwn)
-            segments[rank] = std::move(segments_[old]);
+// For as many segments as there are now. Where keys came or went, those behind them that are still the same move along
+// with their lengths, and the others in between are to be measured.
+void PathGeometry::makeRoom() {
+    std::size_t const count = std::size_t(std::max(keyCount() - 1, 0)), before = segments_.size();
+    if (count == before) return;
+    std::size_t same = 0;
+    while (same < std::min(count, before) && isSame(int(count - 1 - same), int(before - 1 - same))) ++same;
+    auto const fit = [&](auto& all) {
+        auto const tail = all.end() - std::ptrdiff_t(same);
+        if (count > before)
+            all.insert(tail, count - before, {});
         else
-            changed.push_back(int(rank));
-    }
-    curves_ = std::move(curves);
-    segments_ = std::move(segments);
-    for (int rank : changed) measure(rank);
+            all.erase(tail - std::ptrdiff_t(before - count), tail);
+    };
+    fit(segments_);
+    fit(curves_);
+    fit(arcs_);
+}
+
+// Does the segment from this key on have the length of one that was measured?
+bool PathGeometry::isSame(int rank, int measured) const {
+    Segment const& s = segments_[std::size_t(measured)];
+    if (s.kind != kindOf(rank)) return false;
+    return s.kind == CurveInterpolation::spline ? curves_[std::size_t(measured)] == curveOf(rank)
+                                                : s.length == straightLength(rank);
+}
+
+double PathGeometry::straightLength(int rank) const {
+    bool const isLinear = kindOf(rank) == CurveInterpolation::linear;
+    return isLinear ? (position(rank + 1) - position(rank)).length() : 0;
 }
 
 void PathGeometry::keysChanged(PathKeys const& keys, std::span<int const> slots) {
-    keys_ = keys;
     int const count = keyCount();
-    if (keys.keys.size() != std::size_t(count)) return update(keys);
+    if (keys.keys.size() != std::size_t(count) || keys.tangentsCoefficient != keys_.tangentsCoefficient)
+        return update(keys);
+    keys_ = keys;
     for (int slot : slots)
         if (keys.keys[std::size_t(slot)].number != numbers_[std::size_t(ranks_[std::size_t(slot)])])
             return update(keys);
     int first = count;
+    for (int slot : slots)
+        points_[std::size_t(ranks_[std::size_t(slot)])] = toPoint(keys.keys[std::size_t(slot)].position);
     for (int slot : slots) {  // automatic tangents reach one key further
         int const rank = ranks_[std::size_t(slot)];
         for (int r = std::max(rank - 2, 0); r <= rank + 1 && r + 1 < count; ++r)
-            if (replace(r, curveOf(r))) first = std::min(first, r);
+            if (replace(r)) first = std::min(first, r);
     }
     if (first < count) addUp(first);
 }
 
-bool PathGeometry::replace(int rank, PathBezier const& curve) {
-    if (curves_[std::size_t(rank)] == curve && segments_[std::size_t(rank)].kind == kindOf(rank)) return false;
-    curves_[std::size_t(rank)] = curve;
-    measure(rank);
-    return true;
-}
-
-void PathGeometry::measure(int rank) {
-    PathBezier const& curve = curves_[std::size_t(rank)];
+// False when the length is still the same. A straight one is measured sooner than compared.
+bool PathGeometry::replace(int rank) {
+    Segment const before = segments_[std::size_t(rank)];
     Segment& s = segments_[std::size_t(rank)];
     s.kind = kindOf(rank);
-    s.arc = s.kind == CurveInterpolation::spline ? ArcLength(curve) : ArcLength();
-    s.length = s.kind == CurveInterpolation::linear ? (curve.p[3] - curve.p[0]).length() : s.arc.length();
+    if (s.kind == CurveInterpolation::spline) return replaceSpline(rank, before.kind == s.kind);
+    if (before.kind == CurveInterpolation::spline) arcs_[std::size_t(rank)] = ArcLength();
+    s.length = straightLength(rank);
+    bool const isNew = s.length != before.length || s.kind != before.kind;
+    measured_ += isNew;
+    return isNew;
+}
+
+bool PathGeometry::replaceSpline(int rank, bool wasSpline) {
+    PathBezier const curve = curveOf(rank);
+    if (wasSpline && curves_[std::size_t(rank)] == curve) return false;
+    curves_[std::size_t(rank)] = curve;
+    arcs_[std::size_t(rank)] = ArcLength(curve);
+    segments_[std::size_t(rank)].length = arcs_[std::size_t(rank)].length();
     ++measured_;
+    return true;
 }
 
 void PathGeometry::addUp(int from) {
@@ -190,7 +209,7 @@ double PathGeometry::fractionInside(double parameter) const {
     Segment const& s = segments_[std::size_t(rank)];
     double const share = parameter - rank;
     bool const isSpline = s.kind == CurveInterpolation::spline;
-    double const inside = isSpline ? s.arc.at(curves_[std::size_t(rank)], share) : s.length * share;
+    double const inside = isSpline ? arcs_[std::size_t(rank)].at(curves_[std::size_t(rank)], share) : s.length * share;
     return std::min((starts_[std::size_t(rank)] + inside) / length(), 1.0);
 }
 
@@ -204,7 +223,7 @@ double PathGeometry::parameterOf(double fraction) const {
     std::size_t const rank = std::size_t(end - starts_.begin()) - 1;
     Segment const& s = segments_[rank];
     double const inside = distance - starts_[rank];
-    if (s.kind == CurveInterpolation::spline) return double(rank) + s.arc.parameter(curves_[rank], inside);
+    if (s.kind == CurveInterpolation::spline) return double(rank) + arcs_[rank].parameter(curves_[rank], inside);
     return double(rank) + (s.length > 0 ? std::min(inside / s.length, 1.0) : 0);
 }
 
@@ -213,9 +232,11 @@ PathPoint PathGeometry::pointAt(double parameter) const {
     int const rank = std::min(int(parameter), last);
     double const share = parameter - rank;
     if (rank == last || share <= 0) return position(rank);
-    PathBezier const& curve = curves_[std::size_t(rank)];
-    bool const isSpline = segments_[std::size_t(rank)].kind == CurveInterpolation::spline;
-    return isSpline ? curve.at(share) : blend(curve.p[0], curve.p[3], share);
+    switch (segments_[std::size_t(rank)].kind) {
+    case CurveInterpolation::constant: return position(rank);
+    case CurveInterpolation::spline: return curves_[std::size_t(rank)].at(share);
+    default: return blend(position(rank), position(rank + 1), share);
+    }
 }
 
 // ---- beyond its ends ----
@@ -264,7 +285,7 @@ PathPoint PathGeometry::endDirection(bool atStart) const {
     for (std::size_t i = 0; i < segments_.size(); ++i) {
         std::size_t const rank = atStart ? i : segments_.size() - 1 - i;
         if (!(segments_[rank].length > 0)) continue;
-        PathBezier const& b = curves_[rank];
+        PathBezier const b = curveOf(int(rank));
         for (int k = 1; k < 4; ++k) {
             PathPoint const way = atStart ? b.p[k] - b.p[0] : b.p[3] - b.p[3 - k];
             if (double const length = way.length(); length > 0) return way * (1 / length);
@@ -296,7 +317,9 @@ bool PathGeometry::nearest(PathRay const& ray, double& fraction) const {
     if (order_.empty()) return false;
     PathPoint const end = position(keyCount() - 1);
     PathBezier const lastKey{{end, end, end, end}};  // a path of one key, and what a constant segment leaps to
-    PathRay::Nearest const atEnd = ray.nearest({&lastKey, 1}), found = ray.nearest(curves_);
+    std::vector<PathBezier> curves(segments_.size());
+    for (std::size_t rank = 0; rank < curves.size(); ++rank) curves[rank] = curveOf(int(rank));
+    PathRay::Nearest const atEnd = ray.nearest({&lastKey, 1}), found = ray.nearest(curves);
     if (atEnd.segment < 0 && found.segment < 0) return false;
     bool const isEnd = found.segment < 0 || atEnd.distance < found.distance;
     fraction = isEnd ? fractionInside(keyCount() - 1) : fractionInside(found.segment + found.u);

@@ -55,7 +55,7 @@ class PathGeometry {
 public:
     // Any change. Linear in the keys, but for the lengths of what changed.
     void update(PathKeys const& keys);
-    // The keys in these slots have other values; nothing else changed.
+    // Of the keys only those in these slots changed. Costs what changed, and adding up behind it.
     void keysChanged(PathKeys const& keys, std::span<int const> slots);
 
     int keyCount() const { return int(order_.size()); }
@@ -68,7 +68,7 @@ public:
     bool inputControlPoint(int number, Qelp::Vector3& out) const;
     bool outputControlPoint(int number, Qelp::Vector3& out) const;
 
-    // Neither falls. One undoes the other to 1e-12, but where nothing is travelled: there `parameterAt` gives the first
+    // Neither falls. One undoes the other to 1e-10, but where nothing is travelled: there `parameterAt` gives the first
     // of the parameters that have the fraction, and the last key for 1.
     double fractionAt(double parameter) const;
     double parameterAt(double fraction) const;
@@ -79,8 +79,8 @@ public:
     bool positionAt(double fraction, Qelp::Vector3& out) const;
     bool positionAtParameter(double parameter, Qelp::Vector3& out) const;
 
-    // The fraction of the place nearest to the ray, of the path between its first and its last key. False, and no
-    // change, without keys and where none of it is seen.
+    // The fraction of the place nearest to the ray, of the path between its first and its last key; both ends of a
+    // constant key's leap have the same. False, and no change, without keys and where none of it is seen.
     bool nearest(PathRay const& ray, double& fraction) const;
 
     // How many segments have been measured so far: a figure for tests and benchmarks.
@@ -90,7 +90,6 @@ private:
     struct Segment {
         CurveInterpolation kind = CurveInterpolation::linear;
         double length = 0;
-        ArcLength arc;  // of a spline
     };
     struct Folded {
         double at;     // in [0, 1]
@@ -99,7 +98,7 @@ private:
     };
 
     PathKey const& key(int rank) const { return keys_.keys[std::size_t(order_[std::size_t(rank)])]; }
-    PathPoint position(int rank) const;
+    PathPoint const& position(int rank) const { return points_[std::size_t(rank)]; }
     PathPoint automaticTangent(int rank) const;
     PathPoint handle(int rank, bool isOut) const;
     int rankOf(int number) const;
@@ -107,9 +106,11 @@ private:
     void sort();
     CurveInterpolation kindOf(int rank) const;
     PathBezier curveOf(int rank) const;
-    void replaceAll(std::vector<PathBezier> curves);
-    bool replace(int rank, PathBezier const& curve);
-    void measure(int rank);
+    void makeRoom();
+    bool isSame(int rank, int measured) const;
+    bool replace(int rank);
+    bool replaceSpline(int rank, bool wasSpline);
+    double straightLength(int rank) const;
     void addUp(int from);
 
     double fractionInside(double parameter) const;
@@ -121,8 +122,10 @@ private:
 
     PathKeys keys_;
     std::vector<int> order_, ranks_, numbers_;  // slot by rank, rank by slot, the keys' numbers by rank
-    std::vector<PathBezier> curves_;            // by the rank of the left key
-    std::vector<Segment> segments_;
+    std::vector<PathPoint> points_;             // the keys' positions by rank
+    std::vector<Segment> segments_;             // by the rank of the left key, as the next two
+    std::vector<PathBezier> curves_;            // of splines; the others follow from their keys
+    std::vector<ArcLength> arcs_;
     std::vector<double> starts_;  // the length up to each key, by rank
     std::uint64_t measured_ = 0;
 };

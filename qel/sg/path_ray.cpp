@@ -1,6 +1,7 @@
 #include "qel/sg/path_ray.h"
 #include "qel/sg/polynomial_roots.h"
 #include <limits>
+#include <vector>
 
 namespace sg {
 namespace {
@@ -63,17 +64,13 @@ PathRay::Seen PathRay::see(PathPoint const& p) const {
     return {v - toOrigin_ * depth, hasDepth_ ? depth : 1};
 }
 
-double PathRay::distanceAt(PathBezier const& b, double u) const {
-    Seen const s = see(b.at(u));
-    return s.depth > 0 ? s.n.dot(s.n) / (s.depth * s.depth) : infinity;
-}
+double PathRay::distance(Seen const& s) { return s.depth > 0 ? s.n.dot(s.n) / (s.depth * s.depth) : infinity; }
 
-// None of the curve is nearer than this.
-double PathRay::leastDistance(PathBezier const& b) const {
+// None of the curve with these control points is nearer than this.
+double PathRay::leastDistance(Seen const (&control)[4]) {
     PathPoint low(infinity, infinity, infinity), high = low * -1;
     int hidden = 0;
-    for (PathPoint const& p : b.p) {
-        Seen const s = see(p);
+    for (Seen const& s : control) {
         if (!(s.depth > 0)) {
             ++hidden;
             continue;
@@ -83,7 +80,7 @@ double PathRay::leastDistance(PathBezier const& b) const {
         high = {std::max(high.x, q.x), std::max(high.y, q.y), std::max(high.z, q.z)};
     }
     if (hidden > 0) return hidden == 4 ? infinity : 0;
-    auto const outside = [](double a, double b_) { return a > 0 ? a : b_ < 0 ? b_ : 0; };
+    auto const outside = [](double from, double to) { return std::max(std::max(from, -to), 0.0); };
     PathPoint const off(outside(low.x, high.x), outside(low.y, high.y), outside(low.z, high.z));
     return off.dot(off) * (1 - 1e-12);  // less what rounding may have added
 }
@@ -113,23 +110,25 @@ void PathRay::searchInside(PathBezier const& b, int index, Nearest& best) const 
     double roots[mostPolynomialDegree];
     int const count = findSignChanges({toFind, hasDepth_ ? 9u : 6u}, roots);
     for (int i = 0; i < count; ++i) {
-        double const distance = distanceAt(b, roots[i]);
-        if (distance < best.distance) best = {index, roots[i], distance};
+        double const there = distance(see(b.at(roots[i])));
+        if (there < best.distance) best = {index, roots[i], there};
     }
 }
 
 PathRay::Nearest PathRay::nearest(std::span<PathBezier const> segments) const {
     Nearest best{-1, 0, infinity};
-    int const count = int(segments.size());
-    for (int i = 0; i < count; ++i)
+    std::vector<double> least(segments.size());
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        PathPoint const(&p)[4] = segments[i].p;
+        Seen const control[] = {see(p[0]), see(p[1]), see(p[2]), see(p[3])};
+        least[i] = leastDistance(control);
         for (int end : {0, 1}) {
-            double const distance = distanceAt(segments[std::size_t(i)], end);
-            if (distance < best.distance) best = {i, double(end), distance};
+            double const there = distance(control[3 * end]);
+            if (there < best.distance) best = {int(i), double(end), there};
         }
-    for (int i = 0; i < count; ++i) {
-        PathBezier const& b = segments[std::size_t(i)];
-        if (leastDistance(b) < best.distance) searchInside(b, i, best);
     }
+    for (std::size_t i = 0; i < segments.size(); ++i)
+        if (least[i] < best.distance) searchInside(segments[i], int(i), best);
     return best;
 }
 

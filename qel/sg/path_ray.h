@@ -38,10 +38,9 @@ private:
         PathPoint n;  // from the ray, times the depth
         double depth;
     };
-    struct Projected;
     Seen see(PathPoint const& p) const;
-    double distanceAt(PathBezier const& b, double u) const;
-    double leastDistance(PathBezier const& b) const;
+    static double distance(Seen const& s);
+    static double leastDistance(Seen const (&control)[4]);
     void searchInside(PathBezier const& b, int index, Nearest& best) const;
 
     PathPoint eye_, along_, toOrigin_;

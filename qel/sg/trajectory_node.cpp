@@ -5,29 +5,39 @@
 namespace sg {
 namespace {
 
-// A part of a key that is an element of an array: the element is row 0 of its block, its parts follow.
-template<class A> A const& part(db::Attribute const& key, int index) {
-    db::ElementBlock& block = key.block();
-    return *reinterpret_cast<A const*>(reinterpret_cast<char const*>(&block) +
-                                       block.layout->offsets[std::size_t(index + 1)]);
-}
+// The parts of a key that is an element of an array. The element is row 0 of its block; its parts follow.
+class KeyParts {
+public:
+    explicit KeyParts(db::Attribute const& key) :
+        block_(reinterpret_cast<char const*>(&key.block())), layout_(*key.block().layout) {}
+    template<class A> auto const& read(int row) const {
+        return reinterpret_cast<A const*>(block_ + layout_.offsets[std::size_t(row)])->raw();
+    }
+    int firstChildOf(int row) const { return layout_.rows[std::size_t(row)].firstChild; }
+
+private:
+    char const* block_;
+    db::Layout const& layout_;
+};
 
 PathKey readKey(db::Attribute const& key) {
     using T = TrajectoryNode;
-    return {part<db::IntAttribute>(key, T::KeyParameter).raw(), part<db::EnumAttribute>(key, T::Interpolation).raw(),
-            part<db::Vector3Attribute>(key, T::InHandle).raw(), part<db::Vector3Attribute>(key, T::Position).raw(),
-            part<db::Vector3Attribute>(key, T::OutHandle).raw()};
+    KeyParts const parts(key);
+    return {parts.read<db::IntAttribute>(1 + T::KeyParameter), parts.read<db::EnumAttribute>(1 + T::Interpolation),
+            parts.read<db::Vector3Attribute>(1 + T::InHandle), parts.read<db::Vector3Attribute>(1 + T::Position),
+            parts.read<db::Vector3Attribute>(1 + T::OutHandle)};
 }
 
 PathRotationKey readRotationKey(db::Attribute const& key) {
     using T = TrajectoryNode;
-    int const orientation = key.block().layout->rows[T::Orientation + 1].firstChild - 1;
-    auto const real = [&](int i) { return part<db::FloatAttribute>(key, orientation + i).raw(); };
-    return {part<db::FloatAttribute>(key, T::AttachPoint).raw(),
-            part<db::EnumAttribute>(key, T::KeyInterpolation).raw(),
-            {real(0), real(1), real(2), real(3)},
-            part<db::Vector3Attribute>(key, T::InTangent).raw(),
-            part<db::Vector3Attribute>(key, T::OutTangent).raw()};
+    KeyParts const parts(key);
+    int const first = parts.firstChildOf(1 + T::Orientation);
+    auto const real = [&](int row) { return parts.read<db::FloatAttribute>(row); };
+    return {real(1 + T::AttachPoint),
+            parts.read<db::EnumAttribute>(1 + T::KeyInterpolation),
+            {real(first), real(first + 1), real(first + 2), real(first + 3)},
+            parts.read<db::Vector3Attribute>(1 + T::InTangent),
+            parts.read<db::Vector3Attribute>(1 + T::OutTangent)};
 }
 
 float toFloat(double value) { return PathPoint(value, 0, 0).toVector().x; }

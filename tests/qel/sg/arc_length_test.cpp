@@ -44,7 +44,7 @@ TEST(ArcLength, AgreesWithTheClosedFormOfAQuadraticCurve) {
     PathBezier const curve{{{0, 0, 0}, {1.0 / 3, 0, 0}, {2.0 / 3, 1.0 / 3, 0}, {1, 1, 0}}};
     auto const exact = [](double x) { return 0.5 * x * std::sqrt(1 + 4 * x * x) + 0.25 * std::asinh(2 * x); };
     ArcLength const arc(curve);
-    for (int i = 0; i <= 100; ++i) EXPECT_NEAR(arc.at(curve, i / 100.0), exact(i / 100.0), 1e-12);
+    for (int i = 0; i <= 100; ++i) EXPECT_NEAR(arc.at(curve, i / 100.0), exact(i / 100.0), 1e-9);
 }
 
 TEST(ArcLength, OfACurveThatTurnsBackOnALineIsTheWayTravelled) {
@@ -85,7 +85,7 @@ TEST(ArcLength, IsUndoneByItsInverse) {
             double const distance = arc.length() * i / 50, u = arc.parameter(curve, distance);
             ASSERT_GE(u, before);
             ASSERT_LE(u, 1);
-            EXPECT_NEAR(arc.at(curve, u), distance, 1e-12 * arc.length());
+            EXPECT_NEAR(arc.at(curve, u), distance, 1e-10 * arc.length());
             before = u;
         }
     }
