@@ -40,7 +40,6 @@
 #include "tavo/kinematics/pole_vector.h"
 #include "tavo/kinematics/render_object.h"
 #include "tavo/kinematics/shape.h"
-#include "tavo/kinematics/trajectory.h"
 #include "tavo/kinematics/transform.h"
 #include "tavo/objects/attribute.h"
 #include "tavo/objects/colour.h"
@@ -65,3 +64,4 @@
 #include "tavo/physics/physics_joint.h"
 #include "tavo/physics/physics_joint_limit.h"
 #include "tavo/physics/physics_mesh_instance.h"
+#include "tavo/trajectories/trajectory.h"
