@@ -121,7 +121,7 @@ std::pair<std::uint32_t, std::uint32_t> Scene::detach(db::Attribute& to) {
     --t.inputCount;
     t.places.pop_back();
     if (g.edges.empty()) dropGroup(s, g);
-    to.clear(db::Attribute::live);
+    if (!ownBit(to)) to.clear(db::Attribute::live);
     ++structure_;
     push(t, to);
     if (!affects(to) && !t.groupOf(to)) to.clear(db::Attribute::feeds);

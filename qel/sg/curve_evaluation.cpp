@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "qel/sg/curve_spline.h"
+#include "qel/sg/rotation_blend.h"
 
 namespace sg {
 
@@ -23,35 +24,8 @@ CurveInterpolation toInterpolation(int value) {
 
 double component(float const* array, unsigned slot) { return array ? array[slot] : 0; }
 
-// A rotation while it is worked on; the product is Hamilton's.
-struct Rotation {
-    double x, y, z, w;
-
-    Rotation operator*(Rotation const& b) const {
-        return {w * b.x + x * b.w + y * b.z - z * b.y, w * b.y - x * b.z + y * b.w + z * b.x,
-                w * b.z + x * b.y - y * b.x + z * b.w, w * b.w - x * b.x - y * b.y - z * b.z};
-    }
-    Rotation conjugate() const { return {-x, -y, -z, w}; }
-    Qelp::Quat toQuat() const { return {float(x), float(y), float(z), float(w)}; }
-};
-
-Rotation toRotation(Qelp::Quat const& q) { return {q.x, q.y, q.z, q.w}; }
-
-// The turn repeated `times` (any number) in its own direction, along the shorter arc. The half angle comes from atan2,
-// which is exact for small and for large turns alike.
-Rotation power(Rotation const& turn, double times) {
-    double const sine = std::hypot(turn.x, turn.y, turn.z);
-    if (sine == 0) return {0, 0, 0, 1};
-    double const sign = turn.w < 0 ? -1 : 1;
-    double const angle = std::atan2(sine, sign * turn.w) * times;
-    double const scale = sign * std::sin(angle) / sine;
-    return {turn.x * scale, turn.y * scale, turn.z * scale, std::cos(angle)};
-}
-
-// Slerp; beyond 0 and 1 it turns on at the same speed.
 Qelp::Quat turned(Qelp::Quat const& from, Qelp::Quat const& to, double share) {
-    Rotation const start = toRotation(from);
-    return (power(toRotation(to) * start.conjugate(), share) * start).toQuat();
+    return turned(toBlendRotation(from), toBlendRotation(to), share).toQuat();
 }
 
 double ease(double s) { return s * s * (3 - 2 * s); }
@@ -391,7 +365,7 @@ Qelp::Quat PreparedCurve::rotation(unsigned rank) const {
     double const length = std::hypot(std::hypot(double(q.x), double(q.y)), std::hypot(double(q.z), double(q.w)));
     if (std::abs(length - 1) <= 1e-6) return q;
     if (length == 0 || !std::isfinite(length)) return {};
-    return Rotation{q.x / length, q.y / length, q.z / length, q.w / length}.toQuat();
+    return BlendRotation{q.x / length, q.y / length, q.z / length, q.w / length}.toQuat();
 }
 
 Qelp::Quat PreparedCurve::evaluateRotation(float input, unsigned& hint, Qelp::Quat const& external) const {
@@ -430,8 +404,8 @@ Qelp::Quat PreparedCurve::rotationOutside(double input, unsigned& hint, Qelp::Qu
     Folded const folded = fold(input, mode);
     Qelp::Quat const value = rotationInside(folded.input, hint, external);
     if (mode != CurveExtrapolation::offsetCyclic) return value;
-    Rotation const turn = toRotation(rotation(last())) * toRotation(rotation(0)).conjugate();
-    return (power(turn, folded.cycles) * toRotation(value)).toQuat();
+    BlendRotation const turn = toBlendRotation(rotation(last())) * toBlendRotation(rotation(0)).conjugate();
+    return (power(turn, folded.cycles) * toBlendRotation(value)).toQuat();
 }
 
 // ---- polyline

@@ -102,9 +102,9 @@ void Scene::push(sg::Node& n, db::Attribute& a) {
     std::uint64_t const fresh = bits & ~n.dirty;
     n.dirty |= fresh;
     if (fresh) pushOutputs(n, fresh);
+    int const input = a.has(db::Attribute::live) ? n.inputOf(a) : -1;
+    if (input >= 0) n.setStale(std::size_t(input));  // what flows in holds, not what was written
     if (!isOutput) {
-        int const input = a.has(db::Attribute::live) ? n.inputOf(a) : -1;
-        if (input >= 0) n.setStale(std::size_t(input));  // what flows in holds, not what was written
         for (OutGroup& g : n.outputs)
             if (g.from == &a) pushGroup(g);
     }

@@ -10,7 +10,8 @@
 // node's own block.
 //
 // What is computed or connected takes its value from there alone: a write by hand is recorded but does not hold, and
-// comes to light, if at all, when undo goes back to a time before the connection.
+// comes to light, if at all, when undo goes back to a time before the connection. An output can be fed by a connection
+// only where its row affects itself and is not read-only; compute() leaves it alone while something flows in.
 #pragma once
 #include "qel/db/node.h"
 

@@ -49,6 +49,8 @@ constexpr Rows stringArrayElement = {array(0, L"Types", T::StringArray)};
 constexpr db::AttributeDef length(int n, wchar_t const* name, double initial = 0) { return real(n, name, initial).unit(Linear).with(FlagAnimatable); }
 constexpr db::AttributeDef angle(int n, wchar_t const* name, double initial = 0) { return real(n, name, initial).unit(Angular).with(FlagAnimatable); }
 constexpr db::AttributeDef channel(int n, wchar_t const* name, double initial = 0) { return real(n, name, initial).with(FlagAnimatable); }
+// An output that a connection may take over: while something flows in, the node leaves it alone. It affects itself.
+constexpr db::AttributeDef fed(db::AttributeDef d) { return d.flags &= ~unsigned(db::FlagReadOnly), d; }
 constexpr db::AttributeDef floats(int n, wchar_t const* name) { return array(n, name, T::FloatArray); }
 
 // ---- the root and the hierarchy ----
@@ -67,12 +69,13 @@ constexpr Rows renderableRows = {
 };
 static_assert(isSound(renderableRows, 8));
 
-constexpr std::uint32_t local = TransformBaseNode::localBit, world = TransformBaseNode::worldBit, rest = TransformBaseNode::preparedBit;
+constexpr std::uint32_t local = TransformBaseNode::localBit, rest = TransformBaseNode::preparedBit, above = TransformBaseNode::aboveWorldBit;
+constexpr std::uint32_t world = TransformBaseNode::worldBit | above;
 constexpr Rows transformBaseRows = {
     boolean(16, L"Prepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(2).affects(local | world),
     matrix(17, L"ParentWorldMatrix").with(FlagReadOnly | FlagUnsaved).affects(world).hot().doc(L"World matrix of the parent."),
     matrix(18, L"LocalMatrix").output(0).affects(world).hot().doc(L"The transform relative to the parent."),
-    matrix(19, L"WorldMatrix").output(1).hot().doc(L"Local matrix times the parent's world matrix."),
+    matrix(19, L"WorldMatrix").output(1).affects(above).hot().doc(L"Local matrix times the parent's world matrix."),
 };
 static_assert(isSound(transformBaseRows, 11));
 
@@ -266,21 +269,33 @@ constexpr Rows safeGuardRows = {
 constexpr Rows translationKeyElement = {compound(0, L"Key", translationKeyRows)};
 constexpr Rows trajectoryRotationElement = {compound(0, L"Key", rotationKeyRows)};
 constexpr Rows safeGuardElement = {compound(0, L"SafeGuard", safeGuardRows)};
+using P = TrajectoryNode;
+constexpr std::uint32_t placed = P::localCurveBit | P::worldCurveBit, onPath = P::positionsBit | placed, shaped = P::lengthBit | onPath;
+constexpr std::uint32_t handled = P::arcLengthsBit | P::positionsBit, timed = P::timesBit | handled;
 constexpr Rows trajectoryRows = {
-    real(51, L"InputValue"), integer(52, L"InputUnits"), integer(53, L"OutputUnits"),
-    enumeration(54, L"PreInfinity", extrapolations), enumeration(55, L"PostInfinity", extrapolations), boolean(56, L"IsTranslationCurveSampled"),
-    real(57, L"InterpolationTangentsCoeff", 0.3333333), attributeArray(58, L"TranslationKeyframesArray", translationKeyElement),
-    boolean(59, L"IsRotationCurveSampled"), attributeArray(60, L"RotationKeyframesArray", trajectoryRotationElement),
-    real(61, L"MaxArcLength").unit(Linear).with(FlagReadOnly), boolean(62, L"UseSafeGuards"), attributeArray(63, L"SafeGuardsArray", safeGuardElement),
-    real(64, L"TimingCurveFirstKeyTime").unit(Time), real(65, L"TimingCurveLastKeyTime").unit(Time), integer(66, L"TimingHandlesNum", 10),
+    // It affects the timing handles too: along its connection comes word of changes of the timing curve.
+    real(51, L"InputValue").affects(handled | placed).doc(L"Where on the path, as a fraction of its length; fed by the timing curve."),
+    integer(52, L"InputUnits"), integer(53, L"OutputUnits"),
+    enumeration(54, L"PreInfinity", extrapolations).affects(shaped), enumeration(55, L"PostInfinity", extrapolations).affects(shaped),
+    boolean(56, L"IsTranslationCurveSampled").doc(L"The keys are dense samples, not set by hand."),
+    real(57, L"InterpolationTangentsCoeff", 0.3333333).affects(shaped).doc(L"Length of automatic handles; a third gives even speed."),
+    attributeArray(58, L"TranslationKeyframesArray", translationKeyElement).affects(shaped),
+    boolean(59, L"IsRotationCurveSampled"), attributeArray(60, L"RotationKeyframesArray", trajectoryRotationElement).affects(P::rotationsBit | placed),
+    real(61, L"MaxArcLength").unit(Linear).output(4).affects(onPath).doc(L"Length of the path, before the node's own transform."),
+    boolean(62, L"UseSafeGuards"), attributeArray(63, L"SafeGuardsArray", safeGuardElement),
+    real(64, L"TimingCurveFirstKeyTime").unit(Time).affects(timed), real(65, L"TimingCurveLastKeyTime").unit(Time).affects(timed),
+    integer(66, L"TimingHandlesNum", 10).affects(timed),
     boolean(67, L"TimingEnforceMonotonic"), boolean(68, L"TimingPreserveTips"),
     real(69, L"TimingTipsDropoffRange", 1), real(70, L"TimingTipsDropoffPinch"), real(71, L"TimingTipsDropoffBubble"),
-    floats(72, L"TimingHandlesTimesArray").with(FlagUnsaved), floats(73, L"TimingHandlesArcLengthsArray").with(FlagUnsaved),
-    array(74, L"TimingHandlesPositionsArray", T::Vector3Array).with(FlagUnsaved), enumeration(75, L"SmartEditing", smartEditings),
+    floats(72, L"TimingHandlesTimesArray").output(6).affects(handled).with(FlagUnsaved).doc(L"Spread evenly over the timing curve's range."),
+    fed(floats(73, L"TimingHandlesArcLengthsArray").output(7).affects(handled).with(FlagUnsaved)).doc(L"Fractions, from the timing curve."),
+    array(74, L"TimingHandlesPositionsArray", T::Vector3Array).output(8).with(FlagUnsaved), enumeration(75, L"SmartEditing", smartEditings),
     boolean(76, L"PaintOnCurve"), integer(77, L"PaintThicknessVerticesNum", 8), length(78, L"PaintCurveRadius", 0.01), text(79, L"PaintAnimationName"),
-    matrix(80, L"LocalCurveMatrix").with(FlagReadOnly | FlagUnsaved), matrix(81, L"WorldCurveMatrix").with(FlagReadOnly | FlagUnsaved),
+    matrix(80, L"LocalCurveMatrix").output(9).affects(above).with(FlagUnsaved).doc(L"Place and rotation at the input value, in the node's own space."),
+    matrix(81, L"WorldCurveMatrix").output(3).with(FlagUnsaved).doc(L"Local curve matrix times world matrix."),
     boolean(82, L"ShowCurrentFrame"), boolean(83, L"ShowTranslationHandles", true), boolean(84, L"ShowRotationCurves"),
     boolean(85, L"ShowRotationKeys"), boolean(86, L"ShowRotationHandles"), boolean(87, L"ShowTiming"), boolean(88, L"ShowSafeGuards", true),
+    boolean(89, L"RotationsPrepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(5).affects(placed),
 };
 static_assert(isSound(trajectoryRows, 51));
 

@@ -3,6 +3,7 @@
 #pragma once
 #include "qel/sg/animation_node.h"
 #include "qel/sg/selection_node.h"
+#include "qel/sg/trajectory_node.h"
 #include "qel/sg/transform_node.h"
 
 namespace sg {
@@ -43,7 +44,6 @@ SG_NODE_TYPE(FloatProductNode, Node, L"FloatProduct")
 
 // animation
 SG_NODE_TYPE(AnimationLayersNode, Node, L"AnimationLayers")
-SG_NODE_TYPE(TrajectoryNode, TransformNode, L"Trajectory")
 
 // geometry
 SG_NODE_TYPE(ShapeBaseNode, RenderableNode, L"ShapeBase")

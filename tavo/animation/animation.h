@@ -120,6 +120,16 @@ public:
     void EnsureCyclicContinuity(int key, float& value) const;
     bool UniformSampling(int segments);  // false below 2 segments; gives segments + 1 linear keys
 
+    // Replaces the samples by few keys with handles, which stay within `tolerance` of them in the plane of input and
+    // output; SamplesFitter_simpleFit tells of the numbers. `resample` of 2 and above first takes that many even
+    // segments. A sample whose output is within `duplicateEpsilon` of the one before it is left out, so that of a
+    // stretch at one value the first sample remains. False with a warning for a curve that is not sampled and is to be
+    // resampled; false as well without keys. One step of the history.
+    bool FitSampledCurve(int resample, float tolerance, int maxRefinementIterations, int maxSamples,
+                         int refinementSteps, float duplicateEpsilon);
+    bool FitSampledCurve(int resample, float tolerance, int maxRefinementIterations, int maxSamples,
+                         int refinementSteps);
+
     void onInitialize() override { XObject::onInitialize(); }
 
 private:

@@ -26,6 +26,7 @@
 #include "tavo/physics/physics_joint.h"
 #include "tavo/physics/physics_joint_limit.h"
 #include "tavo/physics/physics_mesh_instance.h"
+#include "tavo/trajectories/trajectory.h"
 
 namespace Tavo {
 namespace {
@@ -48,6 +49,8 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     // physics
     registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
                 XPhysicsMeshInstanceDef>(database);
+    // trajectories
+    registerAll<XTrajectoryDef>(database);
     // interaction
     registerAll<XSelectionDef, XObjectGroupDef, XDisplayGroupDef, XCollisionGroupDef, XSelectionGroupDef,
                 XViewportSettingsDef>(database);

@@ -18,6 +18,7 @@ FLOORS = [
     ["tavo/objects"],
     ["tavo/animation"],
     ["tavo/kinematics"],
+    ["tavo/trajectories"],
     ["tavo/physics"],
     ["tavo/interaction"],
     ["tavo/commands"],

@@ -14,7 +14,6 @@ TEST_F(KinematicsTypes, AreValidOnTheirOwnNodesAlone) {
     expectType<XMeshInstance>(scene(), L"MeshInstance", L"MeshInstance");
     expectType<XPoleVector>(scene(), L"PoleVector", L"PoleVector");
     expectType<XPrimitive>(scene(), L"Shape", L"Primitive");
-    expectType<XTrajectory>(scene(), L"Trajectory", L"Trajectory");
 }
 
 // clang-format off
@@ -89,30 +88,6 @@ TEST_F(KinematicsTypes, XPrimitiveHasItsAttributesAtTheirNumbers) {
         TAVO_NUMBER(o, 22, Radius), TAVO_NUMBER(o, 23, Volume), TAVO_NUMBER(o, 24, InheritColour),
         TAVO_NUMBER(o, 25, InheritScale), TAVO_NUMBER(o, 26, DisplayStyle), TAVO_NUMBER(o, 27, HighlightStyle),
         TAVO_NUMBER(o, 29, RadialSegments), TAVO_NUMBER(o, 30, ArcSegments),
-    });
-}
-
-TEST_F(KinematicsTypes, XTrajectoryHasItsAttributesAtTheirNumbers) {
-    XTrajectory const o = makeObject<XTrajectory>(scene());
-    expectNumbers(o, {
-        TAVO_NUMBER(o, 51, InputValue), TAVO_NUMBER(o, 52, InputUnits), TAVO_NUMBER(o, 53, OutputUnits),
-        TAVO_NUMBER(o, 54, PreInfinity), TAVO_NUMBER(o, 55, PostInfinity),
-        TAVO_NUMBER(o, 56, IsTranslationCurveSampled), TAVO_NUMBER(o, 57, InterpolationTangentsCoeff),
-        TAVO_NUMBER(o, 58, TranslationKeyframesArray), TAVO_NUMBER(o, 59, IsRotationCurveSampled),
-        TAVO_NUMBER(o, 60, RotationKeyframesArray), TAVO_NUMBER(o, 61, MaxArcLength),
-        TAVO_NUMBER(o, 62, UseSafeGuards), TAVO_NUMBER(o, 63, SafeGuardsArray),
-        TAVO_NUMBER(o, 64, TimingCurveFirstKeyTime), TAVO_NUMBER(o, 65, TimingCurveLastKeyTime),
-        TAVO_NUMBER(o, 66, TimingHandlesNum), TAVO_NUMBER(o, 67, TimingEnforceMonotonic),
-        TAVO_NUMBER(o, 68, TimingPreserveTips), TAVO_NUMBER(o, 69, TimingTipsDropoffRange),
-        TAVO_NUMBER(o, 70, TimingTipsDropoffPinch), TAVO_NUMBER(o, 71, TimingTipsDropoffBubble),
-        TAVO_NUMBER(o, 72, TimingHandlesTimesArray), TAVO_NUMBER(o, 73, TimingHandlesArcLengthsArray),
-        TAVO_NUMBER(o, 74, TimingHandlesPositionsArray), TAVO_NUMBER(o, 75, SmartEditing),
-        TAVO_NUMBER(o, 76, PaintOnCurve), TAVO_NUMBER(o, 77, PaintThicknessVerticesNum),
-        TAVO_NUMBER(o, 78, PaintCurveRadius), TAVO_NUMBER(o, 79, PaintAnimationName),
-        TAVO_NUMBER(o, 80, LocalCurveMatrix), TAVO_NUMBER(o, 81, WorldCurveMatrix),
-        TAVO_NUMBER(o, 82, ShowCurrentFrame), TAVO_NUMBER(o, 83, ShowTranslationHandles),
-        TAVO_NUMBER(o, 84, ShowRotationCurves), TAVO_NUMBER(o, 85, ShowRotationKeys),
-        TAVO_NUMBER(o, 86, ShowRotationHandles), TAVO_NUMBER(o, 87, ShowTiming), TAVO_NUMBER(o, 88, ShowSafeGuards),
     });
 }
 // clang-format on

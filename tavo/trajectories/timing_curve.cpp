@@ -1,0 +1,46 @@
+#include "tavo/trajectories/timing_curve.h"
+#include "qel/sg/trajectory_node.h"
+#include <bit>
+
+namespace Tavo {
+namespace {
+
+using Node = sg::AnimationNode;
+
+// An element that keeps its bits is not written, so that history and observers see what changed.
+void writeChanges(db::FloatArrayAttribute& array, Qelutils::Vector<float> const& values) {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (std::bit_cast<unsigned>(array.getElement(i)) != std::bit_cast<unsigned>(values[i]))
+            array.setElement(values[i], i);
+}
+
+}  // namespace
+
+XTimingCurve::XTimingCurve(XTrajectory const& trajectory) :
+    _node(trajectory.IsValid() ? static_cast<sg::TrajectoryNode*>(trajectory.getNode())->getTimingCurve() : nullptr) {}
+
+bool XTimingCurve::isSampled() const { return _node && _node->at<db::BoolAttribute>(Node::IsCurveSampled).getValue(); }
+
+Qelutils::Vector<float> const& XTimingCurve::outputs() const {
+    static Qelutils::Vector<float> const none;
+    return _node ? array(Node::KeyframeOutputValues).getValue() : none;
+}
+
+Qelutils::Vector<int> XTimingCurve::order() const {
+    Qelutils::Vector<int> slots;
+    if (_node) _node->getKeysOrderArray(slots);
+    return slots;
+}
+
+XTimingKeys XTimingCurve::keys() const {
+    if (!_node) return {};
+    return {array(Node::KeyframeInputValues).getValue(), array(Node::KeyframeOutputValues).getValue()};
+}
+
+void XTimingCurve::write(XTimingKeys const& keys) const {
+    if (!_node || !XObject(_node).IsEditable()) return;
+    writeChanges(array(Node::KeyframeInputValues), keys.inputs);
+    writeChanges(array(Node::KeyframeOutputValues), keys.outputs);
+}
+
+}  // namespace Tavo
