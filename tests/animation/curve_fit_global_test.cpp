@@ -15,6 +15,7 @@ struct Fitter : SamplesFitter_multiFit {
 
 // ---- the same fit, dense and word for word ----
 
+// Nothing where the rule asks for a parameter before the first.
 Numbers referenceKnots(Samples const& s, Numbers const& parameters, int segments, int window) {
     int const angles = s.rows() - 2;
     std::vector<Numbers> d;
@@ -46,6 +47,7 @@ Numbers referenceKnots(Samples const& s, Numbers const& parameters, int segments
         double const previous = acc;
         acc += smooth[i];
         if (!(budget <= acc)) continue;
+        if (i == 0) return {};
         knots.push_back(parameters[i - 1] +
                         (budget - previous) / (acc - previous) * (parameters[i] - parameters[i - 1]));
         acc -= budget;
