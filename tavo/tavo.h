@@ -35,6 +35,7 @@
 #include "tavo/kinematics/joint.h"
 #include "tavo/kinematics/joint_limit.h"
 #include "tavo/kinematics/light.h"
+#include "tavo/kinematics/matrix_conversion.h"
 #include "tavo/kinematics/mesh_instance.h"
 #include "tavo/kinematics/null.h"
 #include "tavo/kinematics/pole_vector.h"

@@ -193,13 +193,20 @@ constexpr Rows aimConstraintRows = {
     matrix(8, L"WorldIn"), matrix(9, L"UpVectorIn").doc(L"World matrix of the object that is above."), matrix(10, L"ParentWorldIn"),
     angle(11, L"LocalEulerOutX"), angle(12, L"LocalEulerOutY"), angle(13, L"LocalEulerOutZ"),
 };
+using C = MatrixConversionNode;
+constexpr std::uint32_t split = C::translationBit | C::rotationBit;
+constexpr Rows splitQuaternion = {real(0, L"X").output(1), real(1, L"Y").output(1), real(2, L"Z").output(1), real(3, L"W", 1).output(1)};
 constexpr Rows matrixConversionRows = {
-    matrix(8, L"InputMatrix"), length(9, L"PreTranslationX"), length(10, L"PreTranslationY"), length(11, L"PreTranslationZ"),
-    angle(12, L"PreRotationX"), angle(13, L"PreRotationY"), angle(14, L"PreRotationZ"),
-    angle(15, L"PostRotationX"), angle(16, L"PostRotationY"), angle(17, L"PostRotationZ"),
-    length(18, L"TranslationX"), length(19, L"TranslationY"), length(20, L"TranslationZ"),
-    angle(21, L"RotationX"), angle(22, L"RotationY"), angle(23, L"RotationZ"), compound(24, L"RotationQuaternion", xyzw),
+    matrix(8, L"InputMatrix").affects(split).doc(L"The local matrix at which a transform is to stand."),
+    length(9, L"PreTranslationX").affects(C::translationBit), length(10, L"PreTranslationY").affects(C::translationBit),
+    length(11, L"PreTranslationZ").affects(C::translationBit),
+    angle(12, L"PreRotationX").affects(C::rotationBit), angle(13, L"PreRotationY").affects(C::rotationBit), angle(14, L"PreRotationZ").affects(C::rotationBit),
+    angle(15, L"PostRotationX").affects(C::rotationBit), angle(16, L"PostRotationY").affects(C::rotationBit), angle(17, L"PostRotationZ").affects(C::rotationBit),
+    real(18, L"TranslationX").unit(Linear).output(0), real(19, L"TranslationY").unit(Linear).output(0), real(20, L"TranslationZ").unit(Linear).output(0),
+    real(21, L"RotationX").unit(Angular).output(1), real(22, L"RotationY").unit(Angular).output(1), real(23, L"RotationZ").unit(Angular).output(1),
+    compound(24, L"RotationQuaternion", splitQuaternion).output(1),
 };
+static_assert(isSound(matrixConversionRows, 8));
 constexpr Rows mirrorConstraintRows = {
     matrix(8, L"ParentWorldMatrix"), angle(9, L"PreRotationX"), angle(10, L"PreRotationY"), angle(11, L"PreRotationZ"),
     angle(12, L"PostRotationX"), angle(13, L"PostRotationY"), angle(14, L"PostRotationZ"),

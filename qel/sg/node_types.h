@@ -2,6 +2,7 @@
 // what computes.
 #pragma once
 #include "qel/sg/animation_node.h"
+#include "qel/sg/matrix_conversion_node.h"
 #include "qel/sg/selection_node.h"
 #include "qel/sg/trajectory_node.h"
 #include "qel/sg/transform_node.h"
@@ -35,7 +36,6 @@ SG_NODE_TYPE(RetargetNode, Node, L"Retarget")
 SG_NODE_TYPE(JointRetargetParamsNode, TransformNode, L"JointRetargetParams")
 SG_NODE_TYPE(KinematicsConstraintNode, Node, L"KinematicsConstraint")
 SG_NODE_TYPE(AimConstraintNode, Node, L"AimConstraint")
-SG_NODE_TYPE(MatrixConversionNode, Node, L"MatrixConversion")
 SG_NODE_TYPE(MirrorConstraintNode, Node, L"MirrorConstraint")
 SG_NODE_TYPE(PinNode, Node, L"Pin")
 SG_NODE_TYPE(NotNode, Node, L"Not")

@@ -1,4 +1,5 @@
 #include "qel/utils/rotation_core.h"
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <utility>
@@ -89,21 +90,48 @@ TwistAndSwing decompose(Quaternion const& raw) {
 
 Triple row(float const* m) { return {m[0], m[1], m[2]}; }
 
+// Unit vectors; within single precision.
+bool areParallel(Triple const& a, Triple const& b) { return !(std::abs(dot(a, b)) < 1 - 1e-12); }
+
+// From the first two rows, of which the first holds.
+Rotation framed(Triple const& x, Triple y) {
+    double const along = dot(x, y);
+    y = {y.x - along * x.x, y.y - along * x.y, y.z - along * x.z};
+    normalize(y);
+    Triple const z = cross(x, y);
+    return {{{x.x, x.y, x.z}, {y.x, y.y, y.z}, {z.x, z.y, z.z}}};
+}
+
+// The smallest turn from one unit vector to another.
+Rotation turning(Triple const& from, Triple const& to) {
+    double const cosine = dot(from, to);
+    Triple const axis = cosine > -1 ? cross(from, to) : perpendicular(from);
+    return fromQuaternion({axis.x, axis.y, axis.z, std::max(0.0, 1 + cosine)});
+}
+
 }  // namespace
 
 Rotation orthonormal(float const (&m)[4][4]) {
     Triple x = row(m[0]), y = row(m[1]);
     if (!normalize(x)) x = {1, 0, 0};
     bool const directed = normalize(y);
-    double const along = dot(x, y);
-    // Parallel within single precision: what remains of row 1 is noise.
-    if (directed && std::abs(along) < 1 - 1e-12)
-        y = {y.x - along * x.x, y.y - along * x.y, y.z - along * x.z};
-    else
-        y = perpendicular(x);
-    normalize(y);
-    Triple const z = cross(x, y);
-    return {{{x.x, x.y, x.z}, {y.x, y.y, y.z}, {z.x, z.y, z.z}}};
+    // Parallel: what remains of row 1 is noise.
+    return framed(x, directed && !areParallel(x, y) ? y : perpendicular(x));
+}
+
+Rotation completed(float const (&m)[4][4]) {
+    Triple x = row(m[0]), y = row(m[1]), z = row(m[2]);
+    bool const hasX = normalize(x), hasY = normalize(y), hasZ = normalize(z);
+    if (hasX && hasY && !areParallel(x, y)) return framed(x, y);
+    if (hasX && hasZ && !areParallel(x, z)) return framed(x, cross(z, x));
+    if (hasY && hasZ && !areParallel(y, z)) {
+        Triple across = cross(y, z);
+        normalize(across);
+        return framed(across, y);
+    }
+    if (hasX) return turning({1, 0, 0}, x);
+    if (hasY) return turning({0, 1, 0}, y);
+    return hasZ ? turning({0, 0, 1}, z) : Rotation();
 }
 
 void store(Rotation const& r, float (&m)[4][4]) {

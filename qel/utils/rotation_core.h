@@ -30,6 +30,9 @@ struct AxisAngle {
 // Of the rotation rows of a stored matrix, the nearest rotation that keeps row 0's direction and the plane of rows 0
 // and 1 (Gram and Schmidt); always right-handed, whatever row 2 says. Missing directions are completed.
 Rotation orthonormal(float const (&m)[4][4]);
+// As `orthonormal`, but what rows 0 and 1 leave open is read from row 2: a scale of zero along one axis loses nothing.
+// With one direction left, it is the smallest turn that takes that axis there.
+Rotation completed(float const (&m)[4][4]);
 // Overwrites columns 0 to 2 of rows 0 to 2.
 void store(Rotation const& r, float (&m)[4][4]);
 Rotation multiply(Rotation const& first, Rotation const& second);

@@ -14,6 +14,7 @@
 #include "tavo/kinematics/joint.h"
 #include "tavo/kinematics/joint_limit.h"
 #include "tavo/kinematics/light.h"
+#include "tavo/kinematics/matrix_conversion.h"
 #include "tavo/kinematics/mesh_instance.h"
 #include "tavo/kinematics/null.h"
 #include "tavo/kinematics/pole_vector.h"
@@ -45,7 +46,8 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     // kinematics
     registerAll<XRenderObjectDef, XTransformDef, XShapeDef, XPrimitiveDef, XGridDef, XCameraDef, XLightDef, XJointDef,
                 XNullDef>(database);
-    registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef>(database);
+    registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef,
+                XMatrixConversionDef>(database);
     // physics
     registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
                 XPhysicsMeshInstanceDef>(database);
