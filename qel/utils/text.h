@@ -46,9 +46,9 @@ std::wstring trim(std::wstring_view text);
 bool matchesWildcard(std::wstring_view text, std::wstring_view pattern);
 
 // Of the candidates [first, last), the nearest to `wanted` by edit distance (case aside, two neighbours exchanged count
-// as one edit), at most `count`, none that differ by more than a third of their length; where there are none, those that
-// begin like it. What a message about a typo proposes. Nearest first, in the candidates' order among equals, separated
-// by ", "; empty when nothing is near.
+// as one edit), at most `count`, none that differ by more than a third of their length; where there are none, those
+// that begin like it. What a message about a typo proposes. Nearest first, in the candidates' order among equals,
+// separated by ", "; empty when nothing is near.
 std::wstring nearestNames(std::wstring const& wanted, std::wstring const* first, std::wstring const* last,
                           int count = 3);
 
