@@ -359,7 +359,15 @@ TEST_F(MatrixConversionTest, WhatNobodyReadsIsNotComputed) {
     }
 }
 
-TEST_F(MatrixConversionTest, OutputsAreMadeOfWhatTheyAreMadeOf) {
+TEST_F(MatrixConversionTest, WhoReadsTheRotationDoesNotPayForTheTranslation) {
+    setMatrix(rows({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {1, 2, 3}));
+    float const& stored = conversion->at<db::FloatAttribute>(C::Translation).raw();
+    EXPECT_EQ(get(conversion, C::Rotation + 2), pi / 2);
+    EXPECT_EQ(stored, 0);
+    EXPECT_EQ(get(conversion, C::Translation), 1);
+}
+
+TEST_F(MatrixConversionTest, ATranslationIsMadeOfFourInputsARotationOfSeven) {
     for (int number = C::Translation; number <= C::RotationQuaternion; ++number) {
         SCOPED_TRACE(number);
         std::vector<db::Attribute*> affecting;
