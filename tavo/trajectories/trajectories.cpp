@@ -26,11 +26,11 @@ struct MovingRange {
     }
 };
 
-// A scale above the source lies in its world matrix, and so in the axes of the motion; the other channels do not take
-// it.
+// A scale in the source's world matrix lies in the axes of its motion too; the other channels do not take it.
 void placeAt(XTransform& transform, XMatrix const& world) {
     transform.SetWorldMatrix(world, XTransform::UpdateAll);
-    transform.SetScale(transform.ConvertToLocalSpace(world).Scale());
+    XVector3 const scale = transform.ConvertToLocalSpace(world).Scale();
+    if (!scale.IsEqual({1, 1, 1}, 1e-5F)) transform.SetScale(scale);
 }
 
 }  // namespace

@@ -113,16 +113,11 @@ TEST_F(PathSampling, IsOneStepThatUndoTakesBack) {
 // ---- by a tolerance ----
 
 TEST_F(PathSampling, AStraightPathGetsAKeyMoreThanItHasToHaveSegments) {
+    scene().SceneGraph()->setMaxUndoItems(0);
     append({{1, 2, 3}, {4, -5, 6}});
-    for (int segments : {1, 2, 3, 7, 10, 49, 98, 103, 333, 999, 1000}) {
+    for (int segments = 1; segments <= 1000; ++segments) {
         EXPECT_TRUE(path.AdaptiveSampling(0.001F, segments, 3, 5));
-        EXPECT_EQ(count(), segments + 1);
-        path.DeleteTranslationKeyframe([&] {
-            IDs inner;
-            for (int i = 1; i < segments; ++i) inner.push_back(i);
-            return inner;
-        }());
-        ASSERT_EQ(count(), 2);
+        ASSERT_EQ(count(), segments + 1);
     }
 }
 
