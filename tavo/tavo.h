@@ -21,6 +21,7 @@
 #include "tavo/commands/file_commands.h"
 #include "tavo/commands/selection_commands.h"
 #include "tavo/commands/tool_commands.h"
+#include "tavo/commands/trajectory_commands.h"
 #include "tavo/commands/transport.h"
 #include "tavo/extension/core_types.h"
 #include "tavo/extension/plugin_manager.h"
@@ -65,4 +66,5 @@
 #include "tavo/physics/physics_joint.h"
 #include "tavo/physics/physics_joint_limit.h"
 #include "tavo/physics/physics_mesh_instance.h"
+#include "tavo/trajectories/trajectories.h"
 #include "tavo/trajectories/trajectory.h"

@@ -4,6 +4,7 @@
 #include "tavo/commands/file_commands.h"
 #include "tavo/commands/selection_commands.h"
 #include "tavo/commands/tool_commands.h"
+#include "tavo/commands/trajectory_commands.h"
 #include "tavo/commands/transport.h"
 #include "tavo/objects/scene_graph.h"
 #include "tavo/objects/settings.h"
@@ -47,6 +48,9 @@ void XCommandCatalogue::Register(XDatabase& settings) {
                 XAlignAxisDef, XFreezeTransformDef>(settings);
     // new objects
     registerAll<XCreateTransformDef, XCreateJointDef, XCreatePrimitiveDef>(settings);
+    // trajectories
+    registerAll<XGenerateTrajectoryDef, XSampleTrajectoryUniformlyDef, XSampleTrajectoryAdaptivelyDef,
+                XFitTrajectoryDef, XToSplineTrajectoryDef>(settings);
     // files
     registerAll<XImportFileDef, XExportFileDef>(settings);
 }

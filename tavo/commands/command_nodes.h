@@ -3,6 +3,7 @@
 #include "tavo/commands/creation_commands.h"
 #include "tavo/commands/edit_commands.h"
 #include "tavo/commands/file_commands.h"
+#include "tavo/commands/trajectory_commands.h"
 
 namespace sg {
 
@@ -13,6 +14,11 @@ using FreezeTransformNode = Tavo::XCommandNode<Tavo::XFreezeTransform>;
 using CreateTransformNode = Tavo::XCommandNode<Tavo::XCreateTransform>;
 using CreateJointNode = Tavo::XCommandNode<Tavo::XCreateJoint>;
 using CreatePrimitiveNode = Tavo::XCommandNode<Tavo::XCreatePrimitive>;
+using GenerateTrajectoryNode = Tavo::XCommandNode<Tavo::XGenerateTrajectory>;
+using SampleTrajectoryUniformlyNode = Tavo::XCommandNode<Tavo::XSampleTrajectoryUniformly>;
+using SampleTrajectoryAdaptivelyNode = Tavo::XCommandNode<Tavo::XSampleTrajectoryAdaptively>;
+using FitTrajectoryNode = Tavo::XCommandNode<Tavo::XFitTrajectory>;
+using ToSplineTrajectoryNode = Tavo::XCommandNode<Tavo::XToSplineTrajectory>;
 using ImportFileNode = Tavo::XCommandNode<Tavo::XImportFile>;
 using ExportFileNode = Tavo::XCommandNode<Tavo::XExportFile>;
 

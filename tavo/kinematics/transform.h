@@ -14,6 +14,8 @@
 
 namespace Tavo {
 
+class XTrajectory;
+
 enum XDirection : int { XAxis = 0, YAxis = 1, ZAxis = 2 };
 enum XAlignmentMode : int {  // the aligning operations know only the first two
     AlignToFirstChild = 0,
@@ -144,6 +146,9 @@ public:
     bool SetRotationKeyframe(XAttribute& attribute);
     bool SetRotationKeyframe(XAttribute& attribute, XKeyframe& key);
     XTransform& AutoSetKeyframe();  // what the active tool changes
+    // A new path below the origin through where this object is over the scene's time, two samples a frame and without
+    // the end itself; no keys when the scene has no duration. The time stays as it was. Defined with trajectories.
+    XTrajectory CreateTrajectory() const;
 
     // The scene's origin refuses all three.
     bool supportsDeletion() const override { return !isSceneOrigin(); }

@@ -1,10 +1,9 @@
 // Rotation keys and their tangents. Unlike handles, tangents of one key point the same way on both sides.
-#include "tavo/animation/keyframe.h"
 #include "tavo/app/application.h"
+#include "tavo/trajectories/new_keys.h"
 #include "tavo/trajectories/points.h"
 #include "tavo/trajectories/trajectory_edit.h"
 #include <algorithm>
-#include <optional>
 
 namespace Tavo {
 namespace {
@@ -16,29 +15,15 @@ std::wstring const attachLabel = L"Attach Rotation Keyframe", editLabel = L"Edit
 constexpr wchar_t const* occupied = L"A rotation keyframe already exists at that attachPoint.";
 constexpr wchar_t const* occupiedWithTangents = L"A rotation keyframe already exists at that attach point.";
 
-struct Tangents {
-    XVector3 const &in, &out;
-    int continuity;
-};
+using Tangents = XNewRotationKey::Tangents;
 
-XTrajectory& attachKey(XTrajectory& trajectory, float attach, XQuaternion const& orientation,
-                       Tangents const* tangents) {
+XTrajectory& attachKey(XTrajectory& trajectory, float attach, XNewRotationKey const& key) {
     XTrajectoryEdit const edit(trajectory, attachLabel);
     if (!edit) return trajectory;
-    if (rotationSlot(edit.node(), attach) >= 0) {
-        XApplication::Instance().LogError(tangents ? occupiedWithTangents : occupied);
-        return trajectory;
-    }
-    db::Attribute* const element = XRotationKeys(edit.node()).array().add();
-    if (!element) return trajectory;
-    XRotationKey const added(*element);
-    added.setAttachPoint(attach);
-    added.setOrientation(orientation.AsQuaternion());
-    added.setInterpolation(tangents ? SplineInterpolation : LinearInterpolation);
-    if (!tangents) return trajectory;
-    added.setInTangent(tangents->in.AsVector());
-    added.setOutTangent(tangents->out.AsVector());
-    added.setContinuity(tangents->continuity);
+    if (rotationSlot(edit.node(), attach) < 0)
+        key.addTo(edit.node(), attach);
+    else
+        XApplication::Instance().LogError(key.tangents ? occupiedWithTangents : occupied);
     return trajectory;
 }
 
@@ -100,19 +85,19 @@ void setContinuity(XRotationKey const& key, int continuity) {
 }  // namespace
 
 XTrajectory& XTrajectory::AttachRotationKeyframe(float attach, XQuaternion const& orientation) {
-    return attachKey(*this, attach, orientation, nullptr);
+    return attachKey(*this, attach, {orientation.AsQuaternion(), {}});
 }
 
 XTrajectory& XTrajectory::AttachRotationKeyframe(float attach, XQuaternion const& orientation,
                                                  XVector3 const& tangent) {
-    Tangents const both{tangent, tangent, LinearCoupledContinuity};
-    return attachKey(*this, attach, orientation, &both);
+    Tangents const both{tangent.AsVector(), tangent.AsVector()};
+    return attachKey(*this, attach, {orientation.AsQuaternion(), both, LinearCoupledContinuity});
 }
 
 XTrajectory& XTrajectory::AttachRotationKeyframe(float attach, XVector3 const& inTangent,
                                                  XQuaternion const& orientation, XVector3 const& outTangent) {
-    Tangents const both{inTangent, outTangent, BrokenContinuity};
-    return attachKey(*this, attach, orientation, &both);
+    Tangents const both{inTangent.AsVector(), outTangent.AsVector()};
+    return attachKey(*this, attach, {orientation.AsQuaternion(), both});
 }
 
 XTrajectory& XTrajectory::DeleteRotationKeyframe(float attach) { return DeleteRotationKeyframe(Floats{attach}); }

@@ -15,6 +15,7 @@
 // stay with the number of their place when translation keys come and go. An edit of a trajectory that is invalid or
 // may not be edited does nothing.
 #pragma once
+#include "qel/utils/dense.h"
 #include "tavo/animation/drop_off.h"
 #include "tavo/kinematics/transform.h"
 
@@ -119,6 +120,31 @@ public:
     // From sampled keys to a spline: automatic tangents become handles. False, and no change, if it is one.
     bool ToSpline();
 
+    // ---- other keys for the same path. Rotation keys keep their numbers ----
+    // The most segments that sampling takes, and so the most keys it leaves is twice as many.
+    static constexpr int MostSegments = 1'000'000;
+    // Segments of one length each along the path. False, and no change, below 2, above the most, and without keys.
+    bool UniformSampling(int segments);
+    // Keys lie closer where the path bends: no segment is longer than an even one of `minSegments`, and at
+    // `testSamples` places within each the path lies no farther than `tolerance` from where the chord is. Once a length
+    // is found that fits, `refinementIterations` attempts look for a longer one. A millionth of the path is taken as it
+    // is. False, and no change, unless all numbers are above 0, and without keys.
+    bool AdaptiveSampling(float tolerance, int minSegments, int testSamples, int refinementIterations);
+    // From dense keys to few with handles, which pass within `tolerance` of them; SamplesFitter_simpleFit tells of the
+    // numbers. `resample` of 2 and above first takes that many even segments. A key within `duplicateEpsilon` of the
+    // one before it is left out. False with a warning for a path that is not sampled and is to be resampled; false as
+    // well, and no change, without keys.
+    bool FitSampledCurveTranslation(int resample, float tolerance, int maxRefinementIterations, int maxSamples,
+                                    int refinementSteps, float duplicateEpsilon = 1e-5F);
+    // To that many segments, their ends where the path turns (SamplesFitter_multiFit). False, and no change, if the
+    // path is not sampled, and if the keys do not determine the curve.
+    bool FitSampledCurveTranslation(int segments, int window, float duplicateEpsilon = 1e-5F);
+    // The same for a drag that has its samples, rows of three coordinates, at hand. Reads no attribute; the last
+    // argument has no effect.
+    bool FitSampledCurveTranslation_interactive(Qelp::Vector<double> const& parameters,
+                                                Qelp::Matrix<double> const& samples, int segments, int window,
+                                                float = 1e-5F);
+
     // ---- rotation keys. Without tangents: linear; with one: a spline, linearCoupled; with both: a broken spline. An
     // error is logged when there is one at that place already ----
     XTrajectory& AttachRotationKeyframe(float attach, XQuaternion const& orientation);
@@ -208,6 +234,10 @@ public:
     void onInitialize() override;
 
 protected:
+    // The keys of the global fit in place of all there are. False, and no change, when it fails.
+    bool fitSampledCurveTranslation_sharedCode(Qelp::Matrix<double> const& samples,
+                                               Qelp::Vector<double> const& parameters, int segments, int window);
+
     // Weights, one an entry of what is weighed, in the order of the slots.
     void computeDropoffWeights_translations(XVector3 const& centre, float radius, XDropOff const& dropoff,
                                             Floats& weights) const;

@@ -1,8 +1,7 @@
 // Translation keys come and go.
-#include "tavo/animation/keyframe.h"
+#include "tavo/trajectories/new_keys.h"
 #include "tavo/trajectories/points.h"
 #include "tavo/trajectories/trajectory_edit.h"
-#include <optional>
 
 namespace Tavo {
 namespace {
@@ -10,15 +9,8 @@ namespace {
 std::wstring const appendLabel = L"Append Translation Keyframe", insertLabel = L"Insert Translation Keyframe",
                    deleteLabel = L"Delete Translation Keyframe";
 
-struct Handles {
-    Qelp::Vector3 in, out;
-};
-
-struct NewKey {
-    Qelp::Vector3 position;
-    std::optional<Handles> handles;  // without them, and so with linear interpolation, a key keeps its defaults
-    int continuity = BrokenContinuity;
-};
+using NewKey = XNewTranslationKey;
+using Handles = NewKey::Handles;
 
 NewKey linearKey(XVector3 const& position) { return {position.AsVector(), {}}; }
 
@@ -31,22 +23,9 @@ NewKey brokenKey(XVector3 const& in, XVector3 const& position, XVector3 const& o
     return {position.AsVector(), Handles{in.AsVector(), out.AsVector()}};
 }
 
-void addKey(sg::TrajectoryNode& node, int number, NewKey const& key) {
-    db::Attribute* const element = XTranslationKeys(node).array().add();
-    if (!element) return;
-    XTranslationKey const added(*element);
-    added.setNumber(number);
-    added.setPosition(key.position);
-    added.setInterpolation(key.handles ? SplineInterpolation : LinearInterpolation);
-    if (!key.handles) return;
-    added.setInHandle(key.handles->in);
-    added.setOutHandle(key.handles->out);
-    added.setContinuity(key.continuity);
-}
-
 XTrajectory& append(XTrajectory& trajectory, NewKey const& key) {
     if (XTrajectoryEdit const edit(trajectory, appendLabel); edit)
-        addKey(edit.node(), XTranslationKeys(edit.node()).count(), key);
+        key.addTo(edit.node(), XTranslationKeys(edit.node()).count());
     return trajectory;
 }
 
@@ -56,7 +35,7 @@ XTrajectory& insert(XTrajectory& trajectory, int number, NewKey const& key) {
     XTranslationKeys const keys(edit.node());
     for (int slot = 0; slot < keys.count(); ++slot)
         if (keys[slot].number() >= number) keys[slot].raise(1);
-    addKey(edit.node(), number, key);
+    key.addTo(edit.node(), number);
     return trajectory;
 }
 

@@ -26,6 +26,10 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
     std::set<std::wstring> const withoutEffectHere = {L"ActivateMoveTool",  // it is the active one
                                                       L"Copy",
                                                       L"Paste",
+                                                      L"SampleTrajectoryUniformly",  // none is selected
+                                                      L"SampleTrajectoryAdaptively",
+                                                      L"FitTrajectory",
+                                                      L"ToSplineTrajectory",
                                                       L"ZoomToFit",
                                                       L"ImportFile",  // without dialogs
                                                       L"ExportFile",
@@ -210,6 +214,11 @@ TEST_F(Catalogue, EachCommandHasItsNodeAndTellsWhatItDoes) {
                                 L"SetKey",
                                 L"AlignAxis",
                                 L"FreezeTransform",
+                                L"GenerateTrajectory",
+                                L"SampleTrajectoryUniformly",
+                                L"SampleTrajectoryAdaptively",
+                                L"FitTrajectory",
+                                L"ToSplineTrajectory",
                                 L"ImportFile",
                                 L"ExportFile",
                                 L"CreateTransform",
@@ -277,6 +286,19 @@ TEST_F(Catalogue, ParametersStandAtTheirNumbersWithTheirDefaults) {
           {21, L"ArcSegments", 8}}},
         {L"AlignAxis", {{8, L"Axis", 0}, {9, L"Direction", 0}}},
         {L"FreezeTransform", {{8, L"FreezeTranslation", 1}, {9, L"FreezeRotation", 1}}},
+        {L"GenerateTrajectory", {{8, L"ParentFrame", 0}, {9, L"SamplingFactor", 1}, {10, L"Visible", 1}}},
+        {L"SampleTrajectoryUniformly", {{8, L"SegmentsNum", 100}}},
+        {L"SampleTrajectoryAdaptively",
+         {{8, L"ErrorTolerance", 0.001f},
+          {9, L"MinSegmentsNum", 10},
+          {10, L"TestSamplesNum", 5},
+          {11, L"RefinementIterationsNum", 10}}},
+        {L"FitTrajectory",
+         {{8, L"PreprocessingNewSegmentsNum", 0},
+          {9, L"ErrorTolerance", 0.001f},
+          {10, L"MaxRefinementIterationsNum", 20},
+          {11, L"MaxSamplesNumberToFit", 200},
+          {12, L"RefinementsStepsNum", 2}}},
         {L"ImportFile",
          {{8, L"ImportMode", 0},
           {9, L"LinearUnits", 6},
@@ -294,7 +316,7 @@ TEST_F(Catalogue, ParametersStandAtTheirNumbersWithTheirDefaults) {
         std::vector<Row> const rows = found == table.end() ? std::vector<Row>() : found->second;
         bool const hasColour = node.HasAttribute(L"Colour");
         EXPECT_EQ(command.parameters.size(), rows.size() + (hasColour ? 1 : 0));
-        EXPECT_EQ(hasColour, node.Attribute(9).Name() == L"Colour");
+        EXPECT_EQ(hasColour, node.Attribute(command.name == L"GenerateTrajectory" ? 11 : 9).Name() == L"Colour");
         for (Row const& row : rows) {
             EXPECT_EQ(node.Attribute(row.number).Name(), row.name);
             EXPECT_EQ(number(node.Attribute(row.number)), row.value) << Qelutils::toUtf8(row.name);
