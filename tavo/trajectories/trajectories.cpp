@@ -26,13 +26,6 @@ struct MovingRange {
     }
 };
 
-// A scale in the source's world matrix lies in the axes of its motion too; the other channels do not take it.
-void placeAt(XTransform& transform, XMatrix const& world) {
-    transform.SetWorldMatrix(world, XTransform::UpdateAll);
-    XVector3 const scale = transform.ConvertToLocalSpace(world).Scale();
-    if (!scale.IsEqual({1, 1, 1}, 1e-5F)) transform.SetScale(scale);
-}
-
 }  // namespace
 
 // A frame is missed by no rounding of the range or the rate: within a ten thousandth of it counts. No frames: there is
@@ -175,7 +168,7 @@ XTrajectory XTrajectories::addTrajectory(XTransform const& source) {
     path.SetName(source.Name() + L"_" + std::wstring(XTrajectory::DefaultName));
     path.SetColour(_colour);
     path.Visible().SetBoolean(_visible);
-    placeAt(path, worldOf(source));
+    path.SetWorldMatrix(worldOf(source), XTransform::UpdateAll);
     path.IsTranslationCurveSampled().SetBoolean(true);
     path.IsRotationCurveSampled().SetBoolean(true);
     _results.push_back(path);
