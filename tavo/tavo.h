@@ -66,5 +66,6 @@
 #include "tavo/physics/physics_joint.h"
 #include "tavo/physics/physics_joint_limit.h"
 #include "tavo/physics/physics_mesh_instance.h"
+#include "tavo/trajectories/motion_report.h"
 #include "tavo/trajectories/trajectories.h"
 #include "tavo/trajectories/trajectory.h"

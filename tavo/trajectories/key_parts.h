@@ -11,18 +11,20 @@ namespace Tavo {
 // An element of an attribute array, whose row 0 it is. Its parts follow as rows, in their order.
 class XKeyParts {
 public:
-    explicit XKeyParts(db::Attribute& element) : _block(&element.block()) {}
+    explicit XKeyParts(db::Attribute& element) : XKeyParts(element.block(), *element.block().layout) {}
+    XKeyParts(db::ElementBlock& block, db::Layout const& layout) : _block(&block), _layout(&layout) {}
 
     template<class A> A& part(int index) const { return row<A>(index + 1); }
     db::CompositeAttribute& compound(int index) const { return part<db::CompositeAttribute>(index); }
 
 protected:
     template<class A> A& row(int index) const {
-        return *reinterpret_cast<A*>(reinterpret_cast<char*>(_block) + _block->layout->offsets[std::size_t(index)]);
+        return *reinterpret_cast<A*>(reinterpret_cast<char*>(_block) + _layout->offsets[std::size_t(index)]);
     }
-    int firstChild(int index) const { return _block->layout->rows[std::size_t(index + 1)].firstChild; }
+    int firstChild(int index) const { return _layout->rows[std::size_t(index + 1)].firstChild; }
 
     db::ElementBlock* _block;
+    db::Layout const* _layout;  // not asked of the block: its head lies on a cache line that a loop need not touch
 };
 
 class XTranslationKey : public XKeyParts {
@@ -45,10 +47,6 @@ public:
     void setInterpolation(int value) const { part<db::EnumAttribute>(Part::Interpolation).setValue(value); }
     void setContinuity(int value) const { part<db::EnumAttribute>(Part::Continuity).setValue(value); }
 
-    // Its three points through `map`.
-    template<class Map> void transform(Map const& map) const {
-        for (int at : {Part::InHandle, Part::Position, Part::OutHandle}) point(at).setValue(map(point(at).getValue()));
-    }
     db::Vector3Attribute& point(int index) const { return part<db::Vector3Attribute>(index); }
 };
 
@@ -86,14 +84,16 @@ private:
 // One of the node's arrays of keys. An index beyond the end must not be asked for.
 template<class Key, int number> class XKeyArray {
 public:
-    explicit XKeyArray(sg::TrajectoryNode const& node) : _array(node.at<db::AttributeArray>(number)) {}
+    explicit XKeyArray(sg::TrajectoryNode const& node) :
+        _array(node.at<db::AttributeArray>(number)), _layout(_array.elementLayout()) {}
 
     int count() const { return int(_array.size()); }
-    Key operator[](int slot) const { return Key(*_array.getElement(std::size_t(slot))); }
+    Key operator[](int slot) const { return Key(_array.getElement(std::size_t(slot))->block(), _layout); }
     db::AttributeArray& array() const { return _array; }
 
 private:
     db::AttributeArray& _array;
+    db::Layout const& _layout;
 };
 using XTranslationKeys = XKeyArray<XTranslationKey, sg::TrajectoryNode::TranslationKeyframesArray>;
 using XRotationKeys = XKeyArray<XRotationKey, sg::TrajectoryNode::RotationKeyframesArray>;

@@ -1,13 +1,18 @@
 // Moving, scaling, turning and bending translation keys by weights.
-#include "qel/utils/rotation.h"
 #include "tavo/trajectories/points.h"
 #include "tavo/trajectories/trajectory_edit.h"
+#include <algorithm>
 
 namespace Tavo {
 namespace {
 
 std::wstring const moveLabel = L"Move Translation Keyframes", scaleLabel = L"Scale Translation Keyframes",
                    rotateLabel = L"Rotate Translation Keyframes", bendLabel = L"Bend Translation Keyframes";
+
+// How the points of keys are written.
+struct Writer {
+    void operator()(db::Vector3Attribute& part, Qelp::Vector3 const& value) const { part.setValue(value); }
+};
 
 // An affine transform of points, as a matrix of row vectors, in double.
 class Affine {
@@ -40,8 +45,14 @@ private:
     double _m[4][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}};
 };
 
-void apply(Affine const& map, XTranslationKey const& key) {
-    key.transform([&](Qelp::Vector3 const& p) { return toVector(map.apply(PathPoint(p))); });
+template<class Map> void transform(Writer& write, XTranslationKey const& key, Map const& map) {
+    for (int part :
+         {XTranslationKey::Part::InHandle, XTranslationKey::Part::Position, XTranslationKey::Part::OutHandle})
+        write(key.point(part), map(key.point(part).getValue()));
+}
+
+void apply(Affine const& map, Writer& write, XTranslationKey const& key) {
+    transform(write, key, [&](Qelp::Vector3 const& p) { return toVector(map.apply(PathPoint(p))); });
 }
 
 // A frame and the way into it. One that cannot be inverted is its own inverse, as XMatrix::Invert leaves it.
@@ -52,9 +63,9 @@ struct Frame {
 
 // ---- what is done to one key ----
 
-void move(XTranslationKey const& key, Qelp::Vector3 const& delta, float weight) {
+void move(Writer& write, XTranslationKey const& key, Qelp::Vector3 const& delta, float weight) {
     float const x = delta.x * weight, y = delta.y * weight, z = delta.z * weight;
-    key.transform([=](Qelp::Vector3 const& p) { return Qelp::Vector3{p.x + x, p.y + y, p.z + z, 0}; });
+    transform(write, key, [=](Qelp::Vector3 const& p) { return Qelp::Vector3{p.x + x, p.y + y, p.z + z, 0}; });
 }
 
 PathPoint scaled(PathPoint const& p, XVector3 const& scale, float weight) {
@@ -63,22 +74,22 @@ PathPoint scaled(PathPoint const& p, XVector3 const& scale, float weight) {
 }
 
 // The handles' offsets are not turned back out of the frame: a decision of this system.
-void scale(XTranslationKey const& key, Frame const& frame, XVector3 const& scale, float weight) {
+void scale(Writer& write, XTranslationKey const& key, Frame const& frame, XVector3 const& scale, float weight) {
     PathPoint const old(key.position()), position = frame.out.apply(scaled(frame.in.apply(old), scale, weight));
     auto const handle = [&](Qelp::Vector3 const& point) {
         return toVector(position + scaled(frame.in.rotate(PathPoint(point) - old), scale, weight));
     };
-    key.setInHandle(handle(key.inHandle()));
-    key.setOutHandle(handle(key.outHandle()));
-    key.setPosition(toVector(position));
+    for (int part : {XTranslationKey::Part::InHandle, XTranslationKey::Part::OutHandle})
+        write(key.point(part), handle(key.point(part).getValue()));
+    write(key.point(XTranslationKey::Part::Position), toVector(position));
 }
 
 Affine rotationBy(XVector3 const& rotation, float weight) {
     return Affine(XMatrix(XQuaternion(XVector3(rotation).Scale(weight))).AsMatrix());
 }
 
-void rotate(XTranslationKey const& key, Frame const& frame, XVector3 const& rotation, float weight) {
-    apply(frame.in.then(rotationBy(rotation, weight)).then(frame.out), key);
+void rotate(Writer& write, XTranslationKey const& key, Frame const& frame, XVector3 const& rotation, float weight) {
+    apply(frame.in.then(rotationBy(rotation, weight)).then(frame.out), write, key);
 }
 
 // ---- weights ----
@@ -92,18 +103,25 @@ Qelutils::Vector<float> weightsOfNamed(sg::TrajectoryNode& node, Qelutils::Vecto
 void forWeights(sg::TrajectoryNode& node, Qelutils::Vector<float> const& weights, auto const& step) {
     XTranslationKeys const keys(node);
     int const count = std::min(keys.count(), int(weights.size()));
+    Writer write;
     for (int slot = 0; slot < count; ++slot)
-        if (float const weight = weights[std::size_t(slot)]; weight != 0) step(keys[slot], weight);
+        if (float const weight = weights[std::size_t(slot)]; weight != 0) step(write, keys[slot], weight);
 }
 
 auto mover(XVector3 const& delta) {
-    return [=, by = delta.AsVector()](XTranslationKey const& key, float weight) { move(key, by, weight); };
+    return [by = delta.AsVector()](Writer& write, XTranslationKey const& key, float weight) {
+        move(write, key, by, weight);
+    };
 }
 auto scaler(XMatrix const& frame, XVector3 const& factors) {
-    return [&, in = Frame(frame)](XTranslationKey const& key, float weight) { scale(key, in, factors, weight); };
+    return [&factors, in = Frame(frame)](Writer& write, XTranslationKey const& key, float weight) {
+        scale(write, key, in, factors, weight);
+    };
 }
 auto rotator(XMatrix const& frame, XVector3 const& rotation) {
-    return [&, in = Frame(frame)](XTranslationKey const& key, float weight) { rotate(key, in, rotation, weight); };
+    return [&rotation, in = Frame(frame)](Writer& write, XTranslationKey const& key, float weight) {
+        rotate(write, key, in, rotation, weight);
+    };
 }
 
 }  // namespace
@@ -266,6 +284,7 @@ XTrajectory& XTrajectory::BendTranslationKeyframePosition_interactive(Floats con
 void XTrajectory::bendTranslationKeyframePosition_core(Floats const& weights, XVector3 const& rotation, bool forward) {
     XTranslationKeys const keys(*pathNode());
     int const count = keys.count(), step = forward ? 1 : -1;
+    Writer write;
     Affine map;
     for (int k = 1; k < count; ++k) {
         int const slot = forward ? k : count - 1 - k;
@@ -275,24 +294,27 @@ void XTrajectory::bendTranslationKeyframePosition_core(Floats const& weights, XV
             Affine const turn = rotationBy(rotation, weight);
             map = map.then(Affine::translation(pivot * -1)).then(turn).then(Affine::translation(pivot));
         }
-        if (map != Affine()) apply(map, keys[slot]);
+        if (map != Affine()) apply(map, write, keys[slot]);
     }
 }
 
 // ---- one key ----
 
 void XTrajectory::editTranslationKeyframePosition_noCheck(int slot, XVector3 const& delta, float weight) {
-    move(XTranslationKeys(*pathNode())[slot], delta.AsVector(), weight);
+    Writer write;
+    move(write, XTranslationKeys(*pathNode())[slot], delta.AsVector(), weight);
 }
 
 void XTrajectory::scaleTranslationKeyframePosition_noCheck(int slot, XMatrix const& frame, XVector3 const& factors,
                                                            float weight) {
-    scale(XTranslationKeys(*pathNode())[slot], Frame(frame), factors, weight);
+    Writer write;
+    scale(write, XTranslationKeys(*pathNode())[slot], Frame(frame), factors, weight);
 }
 
 void XTrajectory::rotateTranslationKeyframePosition_noCheck(int slot, XMatrix const& frame, XVector3 const& rotation,
                                                             float weight) {
-    rotate(XTranslationKeys(*pathNode())[slot], Frame(frame), rotation, weight);
+    Writer write;
+    rotate(write, XTranslationKeys(*pathNode())[slot], Frame(frame), rotation, weight);
 }
 
 }  // namespace Tavo

@@ -1,6 +1,7 @@
 // Repairing the timing of a motion when its path changes.
 #include "tavo/animation/timing_edits.h"
 #include "tavo/app/application.h"
+#include "tavo/trajectories/path_measure.h"
 #include "tavo/trajectories/timing_curve.h"
 #include "tavo/trajectories/trajectory_edit.h"
 
@@ -29,7 +30,7 @@ bool isWanted(XTrajectory const& trajectory) {
 }
 
 // Fractions are floats, as the curve will hold them: a speed is kept between what is stored.
-Qelutils::Vector<double> fractionsOf(sg::PathGeometry const& path, Qelutils::Vector<float> const& parameters) {
+Qelutils::Vector<double> fractionsOf(XPathMeasure& path, Qelutils::Vector<float> const& parameters) {
     Qelutils::Vector<double> out;
     out.reserve(parameters.size());
     for (float parameter : parameters) out.push_back(double(float(path.fractionAt(double(parameter)))));
@@ -62,17 +63,19 @@ bool XTrajectory::smartEditCore(float oldLength, Floats const& parameters) {
 }
 
 void XTrajectory::smartEditCore_retainFeel_noCheck(float oldLength, Floats const& parameters, float eps) {
+    XPathMeasure path(*pathNode());
     XTimingCurve const curve(*this);
     XTimingKeys keys = curve.keys();
-    if (RetainFeel(fractionsOf(pathNode()->getPath(), parameters), curve.order(), double(oldLength),
-                   double(MaxArcLength().Float()), double(eps), keys))
+    if (RetainFeel(fractionsOf(path, parameters), curve.order(), double(oldLength), double(float(path.length())),
+                   double(eps), keys))
         curve.write(keys);
 }
 
 void XTrajectory::smartEditCore_retainConstraints_noCheck(float, Floats const& parameters, float) {
+    XPathMeasure path(*pathNode());
     XTimingCurve const curve(*this);
     XTimingKeys keys = curve.keys();
-    if (RetainConstraints(fractionsOf(pathNode()->getPath(), parameters), keys)) curve.write(keys);
+    if (RetainConstraints(fractionsOf(path, parameters), keys)) curve.write(keys);
 }
 
 }  // namespace Tavo

@@ -1,6 +1,9 @@
 #include "tavo/trajectories/timing_curve.h"
 #include "qel/sg/trajectory_node.h"
+#include <algorithm>
 #include <bit>
+#include <functional>
+#include <numeric>
 
 namespace Tavo {
 namespace {
@@ -28,7 +31,12 @@ Qelutils::Vector<float> const& XTimingCurve::outputs() const {
 
 Qelutils::Vector<int> XTimingCurve::order() const {
     Qelutils::Vector<int> slots;
-    if (_node) _node->getKeysOrderArray(slots);
+    if (!_node) return slots;
+    auto const& inputs = array(Node::KeyframeInputValues).getValue();
+    bool const isInOrder = std::is_sorted(inputs.begin(), inputs.end(), std::less_equal<float>());
+    if (!isInOrder) return _node->getKeysOrderArray(slots), slots;
+    slots.resize(inputs.size());
+    std::iota(slots.begin(), slots.end(), 0);
     return slots;
 }
 
