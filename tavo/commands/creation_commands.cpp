@@ -36,7 +36,7 @@ void XCreatePrimitive::onRun() {
     Qelutils::Vector<XObject> selected;
     for (XObject const& object : Scene().Selection().Objects(selected)) {
         if (!XTransform(object).IsValid()) continue;
-        XObject const created = Scene().XDatabase::CreateObject(XPrimitive::TypeID, object);
+        XObject const created = Scene().CreateObject(XPrimitive::TypeID, object);
         CopyParametersTo(created);
         addResult(created);
     }
