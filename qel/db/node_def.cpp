@@ -10,7 +10,11 @@ NodeDef::NodeDef(wchar_t const* nameSpace, wchar_t const* classID, NodeDef const
     typeID_(Registry::getInstance().add(*this)), construct_(construct) {
     std::uint32_t affectedBy[32] = {};
     for (RowInfo const& r : layout_.rows)
-        if (r.def->outputBit >= 0) outputs_ |= 1u << r.def->outputBit, affectedBy[r.def->outputBit] |= r.affects;
+        if (r.def->outputBit >= 0) outputs_ |= 1u << r.def->outputBit;
+    // A base's row may name an output that only some of its types have; in the others nothing would ever clear its bit.
+    for (RowInfo& r : layout_.rows) r.affects &= outputs_;
+    for (RowInfo const& r : layout_.rows)
+        if (r.def->outputBit >= 0) affectedBy[r.def->outputBit] |= r.affects;
     for (int o = 0; o < 32; ++o) needs_[o] = outputs_ & 1u << o;
     for (bool more = true; more;) {  // an output that affects another is part of what that one needs
         more = false;
