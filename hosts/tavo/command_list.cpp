@@ -19,10 +19,10 @@ using Qelutils::toUtf8;
 // Those of a compound's parts follow on it: "Colour", "Colour.Red".
 std::vector<std::wstring> parameterNames(XCommandInfo const& info) {
     std::vector<std::wstring> names;
-    for (XCommandInfo::Parameter const& parameter : info.parameters) {
-        names.push_back(parameter.name);
-        for (db::AttributeDef const& part : parameter.row->children)
-            names.push_back(parameter.name + XDatabase::AttributePathSeparator.c_str() + part.name);
+    for (db::AttributeDef const* parameter : info.parameters) {
+        names.push_back(parameter->name);
+        for (db::AttributeDef const& part : parameter->children)
+            names.push_back(std::wstring(parameter->name) + XDatabase::AttributePathSeparator.c_str() + part.name);
     }
     return names;
 }

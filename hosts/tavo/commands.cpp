@@ -67,7 +67,7 @@ void addLines(std::vector<Line>& lines, std::string const& prefix, AttributeDef 
 
 std::vector<Line> linesOf(XCommandInfo const& info) {
     std::vector<Line> lines;
-    for (XCommandInfo::Parameter const& parameter : info.parameters) addLines(lines, "", *parameter.row);
+    for (AttributeDef const* parameter : info.parameters) addLines(lines, "", *parameter);
     return lines;
 }
 
@@ -153,7 +153,7 @@ void addRow(Json& json, AttributeDef const& row) {
 void addCommand(Json& json, XCommandInfo const& info) {
     json.open('{').member("name", info.name).member("help", info.help).member("undoable", info.isUndoable);
     json.key("parameters").open('[');
-    for (XCommandInfo::Parameter const& parameter : info.parameters) addRow(json, *parameter.row);
+    for (AttributeDef const* parameter : info.parameters) addRow(json, *parameter);
     json.close(']').close('}');
 }
 

@@ -1,4 +1,5 @@
 #include "tavo/animation/animation_layers.h"
+#include "tavo/objects/attribute_colour.h"
 
 namespace Tavo {
 
@@ -8,11 +9,7 @@ std::wstring XAnimationLayers::LayerLabel(int layer) const { return field(layer,
 
 float XAnimationLayers::LayerWeight(int layer) const { return field(layer, Weight).Float(); }
 
-XColour XAnimationLayers::LayerColour(int layer) const {
-    XAttribute const colour = field(layer, Colour);
-    auto part = [&](int i) { return colour.Attribute(i).Float(); };
-    return {part(0), part(1), part(2), part(3)};
-}
+XColour XAnimationLayers::LayerColour(int layer) const { return colourOf(field(layer, Colour)); }
 
 bool XAnimationLayers::IsVisibleLayer(int layer) const { return field(layer, Visible).Boolean(); }
 
@@ -29,14 +26,12 @@ XAnimationLayers& XAnimationLayers::SetLayerWeight(int layer, float const& weigh
 }
 
 XAnimationLayers& XAnimationLayers::SetLayerColour(int layer, XColour const& colour) {
-    return SetLayerColour(layer, colour.Red(), colour.Green(), colour.Blue(), colour.Alpha());
+    setColour(field(layer, Colour), colour);
+    return *this;
 }
 
 XAnimationLayers& XAnimationLayers::SetLayerColour(int layer, float red, float green, float blue, float alpha) {
-    XAttribute const colour = field(layer, Colour);
-    float const parts[] = {red, green, blue, alpha};
-    for (int i = 0; i < 4; ++i) colour.Attribute(i).SetFloat(parts[i]);
-    return *this;
+    return SetLayerColour(layer, XColour(red, green, blue, alpha));
 }
 
 XAnimationLayers& XAnimationLayers::SetIsVisibleLayer(int layer, bool visible) {

@@ -6,6 +6,7 @@
 #include "tavo/commands/tool_commands.h"
 #include "tavo/commands/trajectory_commands.h"
 #include "tavo/commands/transport.h"
+#include "tavo/objects/register_all.h"
 #include "tavo/objects/scene_graph.h"
 #include "tavo/objects/settings.h"
 #include <algorithm>
@@ -13,10 +14,6 @@
 
 namespace Tavo {
 namespace {
-
-template<class... Definitions> void registerAll(XDatabase& settings) {
-    (settings.CoreModule().Register(new Definitions), ...);
-}
 
 Qelutils::Vector<XObjectDef*> commandsOf(XDatabase const& settings) {
     Qelutils::Vector<XObjectDef*> definitions;
@@ -74,7 +71,7 @@ std::vector<XCommandInfo> XCommandCatalogue::List(XDatabase const& settings) {
         info.isUndoable = !described || described->IsUndoable();
         for (int i = XCommand::FirstParameter; i < node->layout().topLevelCount; ++i) {
             db::AttributeDef const& row = *node->layout().rows[std::size_t(i)].def;
-            if (!row.hasFlag(db::FlagReserved)) info.parameters.push_back({row.name, row.documentation, &row});
+            if (!row.hasFlag(db::FlagReserved)) info.parameters.push_back(&row);
         }
     }
     return all;

@@ -6,13 +6,9 @@ namespace Tavo {
 
 // What is known of a command without running it.
 struct XCommandInfo {
-    struct Parameter {
-        std::wstring name, help;
-        db::AttributeDef const* row;  // kind, default, unit, words, children
-    };
     std::wstring name, help;
-    std::vector<Parameter> parameters;
-    bool isUndoable = true;  // false: a run makes no step of the history
+    std::vector<db::AttributeDef const*> parameters;  // their rows: name, kind, default, unit, words, children, help
+    bool isUndoable = true;                           // false: a run makes no step of the history
 };
 
 class XCommandCatalogue {

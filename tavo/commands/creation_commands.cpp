@@ -1,6 +1,5 @@
 #include "tavo/commands/creation_commands.h"
-#include "tavo/interaction/selection.h"
-#include "tavo/objects/scene.h"
+#include "tavo/commands/selected.h"
 
 namespace Tavo {
 
@@ -33,13 +32,11 @@ void XCreateJoint::onRun() {
 }
 
 void XCreatePrimitive::onRun() {
-    Qelutils::Vector<XObject> selected;
-    for (XObject const& object : Scene().Selection().Objects(selected)) {
-        if (!XTransform(object).IsValid()) continue;
-        XObject const created = Scene().CreateObject(XPrimitive::TypeID, object);
+    forEachSelected<XTransform>(Scene(), [this](XTransform const& transform) {
+        XObject const created = Scene().CreateObject(XPrimitive::TypeID, transform);
         CopyParametersTo(created);
         addResult(created);
-    }
+    });
 }
 
 }  // namespace Tavo

@@ -1,15 +1,9 @@
 #include "tavo/commands/edit_commands.h"
-#include "tavo/interaction/selection.h"
+#include "tavo/commands/selected.h"
 #include "tavo/kinematics/shape.h"
-#include "tavo/objects/scene.h"
 
 namespace Tavo {
 namespace {
-
-Qelutils::Vector<XObject> selectedObjects(XScene& scene) {
-    Qelutils::Vector<XObject> objects;
-    return scene.Selection().Objects(objects);
-}
 
 // A selected shape stands for its transform.
 XTransform transformOf(XObject const& object) {
@@ -49,8 +43,7 @@ void XSetKey::onRun() {
 void XAlignAxis::onRun() {
     auto const axis = XDirection(Axis().Enumeration());
     auto const mode = XAlignmentMode(Direction().Enumeration());
-    for (XObject const& object : selectedObjects(Scene()))
-        if (XTransform transform(object); transform.IsValid()) transform.AlignAxis(axis, mode);
+    forEachSelected<XTransform>(Scene(), [&](XTransform& transform) { transform.AlignAxis(axis, mode); });
 }
 
 void XFreezeTransform::onRun() {

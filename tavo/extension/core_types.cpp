@@ -19,6 +19,7 @@
 #include "tavo/kinematics/null.h"
 #include "tavo/kinematics/pole_vector.h"
 #include "tavo/kinematics/shape.h"
+#include "tavo/objects/register_all.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/settings.h"
 #include "tavo/physics/physics_body.h"
@@ -30,13 +31,6 @@
 #include "tavo/trajectories/trajectory.h"
 
 namespace Tavo {
-namespace {
-
-template<class... Definitions> void registerAll(XDatabase& database) {
-    (database.CoreModule().Register(new Definitions), ...);
-}
-
-}  // namespace
 
 void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     // objects

@@ -1,4 +1,5 @@
 #include "tavo/kinematics/render_object.h"
+#include "tavo/objects/attribute_colour.h"
 
 namespace Tavo {
 
@@ -7,21 +8,15 @@ XRenderObject& XRenderObject::SetVisible(bool visible) {
     return *this;
 }
 
-XColour XRenderObject::ColourValue() const {
-    XAttribute const colour = Colour();
-    auto part = [&](int i) { return colour.Attribute(i).Float(); };
-    return {part(0), part(1), part(2), part(3)};
-}
+XColour XRenderObject::ColourValue() const { return colourOf(Colour()); }
 
 XRenderObject& XRenderObject::SetColour(XColour const& colour) {
-    return SetColour(colour.Red(), colour.Green(), colour.Blue(), colour.Alpha());
+    setColour(Colour(), colour);
+    return *this;
 }
 
 XRenderObject& XRenderObject::SetColour(float red, float green, float blue, float alpha) {
-    XAttribute const colour = Colour();
-    float const parts[] = {red, green, blue, alpha};
-    for (int i = 0; i < 4; ++i) colour.Attribute(i).SetFloat(parts[i]);
-    return *this;
+    return SetColour({red, green, blue, alpha});
 }
 
 }  // namespace Tavo

@@ -174,8 +174,8 @@ TEST_F(Catalogue, EachCommandHasItsNodeAndTellsWhatItDoes) {
         EXPECT_EQ(node.ObjectType(), command.name);
         ASSERT_FALSE(command.help.empty());
         EXPECT_EQ(command.help.back(), L'.');
-        for (XCommandInfo::Parameter const& parameter : command.parameters)
-            EXPECT_FALSE(parameter.name.empty() || parameter.help.empty()) << Qelutils::toUtf8(parameter.name);
+        for (db::AttributeDef const* parameter : command.parameters)
+            EXPECT_TRUE(parameter->name[0] && parameter->documentation[0]) << Qelutils::toUtf8(parameter->name);
     }
     for (wchar_t const* name : {L"Play",
                                 L"PlayReverse",

@@ -144,6 +144,12 @@ TEST_F(CreationCommands, EachSelectedTransformGetsAShapeWithTheParameters) {
     EXPECT_EQ(selected(), (Objects{spine, box, leg}));
 }
 
+TEST_F(CreationCommands, AShapeIsAlsoCreatedUnderTheWordOfTheCommandsNodeType) {
+    select({leg});
+    EXPECT_EQ(run(L"CreatePrimitive").Parent(), leg);
+    EXPECT_EQ(application().LastCommandName(), L"CreatePrimitive");
+}
+
 TEST_F(CreationCommands, AShapeWithoutChangesHasTheCommandsColour) {
     select({leg});
     XObject const made = run(L"CreateShape");
