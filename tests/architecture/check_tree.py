@@ -12,6 +12,7 @@ from pathlib import Path
 FLOORS = [
     ["qel/utils"],
     ["qel/db"],
+    ["qel/solvers"],
     ["qel/sg"],
     ["qel/lua", "qel/widgets"],
     ["tavo/app"],
