@@ -117,6 +117,7 @@ double signedDistance(Ellipse const& raw, PlanePoint const& p) {
 PlanePoint softClampToEllipse(Ellipse const& rawSoft, Ellipse const& rawHard, PlanePoint const& raw) {
     Ellipse const hard = read(rawHard);
     Ellipse const soft{std::min(read(rawSoft).x, hard.x), std::min(read(rawSoft).y, hard.y)};
+    if (soft == hard) return clampToEllipse(hard, raw);
     // Along an axis of no length nothing moves: what lies off it does not count as pressure on the other.
     PlanePoint const p{hard.x == 0 ? 0 : raw.x, hard.y == 0 ? 0 : raw.y};
     if (isInside(soft, p)) return isInside(hard, raw) ? raw : p;

@@ -14,6 +14,7 @@ struct PlanePoint {
 
 struct Ellipse {
     double x = 0, y = 0;
+    bool operator==(Ellipse const&) const = default;
 };
 
 // What lies outside by no more than this, in the unit of the axes, is on the border: measuring what was put on the
