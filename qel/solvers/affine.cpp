@@ -44,7 +44,7 @@ bool isFinite(Qelp::Matrix34 const& m) {
     return true;
 }
 
-float toFloat(double value) { return static_cast<float>(std::clamp(value, double(-FLT_MAX), double(FLT_MAX))); }
+float clampedFloat(double value) { return static_cast<float>(std::clamp(value, double(-FLT_MAX), double(FLT_MAX))); }
 
 Affine toAffine(Qelp::Matrix34 const& m) {
     Affine out;
@@ -64,7 +64,7 @@ Affine toAffine(Rotation const& r, Triple const& translation) {
 Qelp::Matrix34 toMatrix(Affine const& a) {
     Qelp::Matrix34 out;
     for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 3; ++j) out.m[i][j] = toFloat(a.m[i][j]);
+        for (int j = 0; j < 3; ++j) out.m[i][j] = clampedFloat(a.m[i][j]);
     return out;
 }
 

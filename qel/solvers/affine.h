@@ -17,7 +17,7 @@ bool isFinite(Qelp::Matrix34 const& m);
 Affine toAffine(Qelp::Matrix34 const& m);
 Affine toAffine(Qelutils::rotation::Rotation const& r, Qelutils::rotation::Triple const& translation);
 // What is beyond the range of a float becomes its largest number.
-float toFloat(double value);
+float clampedFloat(double value);
 Qelp::Matrix34 toMatrix(Affine const& a);
 
 Affine multiply(Affine const& first, Affine const& second);

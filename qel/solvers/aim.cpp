@@ -61,7 +61,7 @@ void Aim::Run() {
     Rotation const turn = aiming(unitOr(towards(targetWorld), {1, 0, 0}), unitOr(towards(upWorld), {}));
     quaternion = toQuaternion(turn);
     Triple const angles = toEuler(turn, 0);
-    rotation = {toFloat(angles.x), toFloat(angles.y), toFloat(angles.z)};
+    rotation = {clampedFloat(angles.x), clampedFloat(angles.y), clampedFloat(angles.z)};
 }
 
 }  // namespace sg

@@ -8,8 +8,6 @@ namespace {
 
 using namespace Qelutils::rotation;
 
-double usable(double weight) { return weight > 0 && std::isfinite(weight) ? weight : 0; }
-
 class Blend {
 public:
     explicit Blend(Affine const& parentWorld) : toParent_(inverse(parentWorld)) {}
@@ -39,6 +37,8 @@ private:
 
 }  // namespace
 
+double BlendTarget::usableWeight() const { return weight > 0 && std::isfinite(weight) ? weight : 0; }
+
 bool TargetBlend::Validate() const {
     auto const isSound = [](BlendTarget const& t) {
         return isFinite(t.world) && isFinite(t.offset) && t.weight >= 0 && std::isfinite(t.weight);
@@ -48,14 +48,14 @@ bool TargetBlend::Validate() const {
 
 void TargetBlend::Run() {
     Blend blend(toAffine(parentWorld));
-    for (BlendTarget const& target : targets) blend.add(target, usable(target.weight));
+    for (BlendTarget const& target : targets) blend.add(target, target.usableWeight());
     if (!normalizeWeights && blend.total() < 1) blend.addLocal({}, 1 - blend.total());
     quaternion = blend.rotation();
     Rotation const turn = fromQuaternion(quaternion);
     Triple const angles = toEuler(turn, 0), at = blend.translation();
     local = toMatrix(toAffine(turn, at));
-    translation = {toFloat(at.x), toFloat(at.y), toFloat(at.z)};
-    rotation = {toFloat(angles.x), toFloat(angles.y), toFloat(angles.z)};
+    translation = {clampedFloat(at.x), clampedFloat(at.y), clampedFloat(at.z)};
+    rotation = {clampedFloat(angles.x), clampedFloat(angles.y), clampedFloat(angles.z)};
 }
 
 }  // namespace sg

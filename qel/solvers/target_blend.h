@@ -21,6 +21,8 @@ struct BlendTarget {
     Qelp::Matrix34 world;
     Qelp::Matrix34 offset;  // where it wants what follows, in its own space
     double weight = 1;
+
+    double usableWeight() const;  // 0 for what is negative or not finite
 };
 
 struct TargetBlend {

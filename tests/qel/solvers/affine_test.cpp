@@ -63,9 +63,9 @@ TEST(Affine, BrokenNumbersAreThoseOfTheIdentity) {
 }
 
 TEST(Affine, NumbersBeyondAFloatBecomeItsLargest) {
-    EXPECT_EQ(toFloat(1e300), FLT_MAX);
-    EXPECT_EQ(toFloat(-1e300), -FLT_MAX);
-    EXPECT_EQ(toFloat(0.5), 0.5F);
+    EXPECT_EQ(clampedFloat(1e300), FLT_MAX);
+    EXPECT_EQ(clampedFloat(-1e300), -FLT_MAX);
+    EXPECT_EQ(clampedFloat(0.5), 0.5F);
 }
 
 TEST(Affine, AMatrixComesBackAsItWas) {
