@@ -12,12 +12,14 @@
 #include "tavo/kinematics/ik_handle.h"
 #include "tavo/kinematics/ik_solver.h"
 #include "tavo/kinematics/joint.h"
+#include "tavo/kinematics/joint_ik_params.h"
 #include "tavo/kinematics/joint_limit.h"
 #include "tavo/kinematics/light.h"
 #include "tavo/kinematics/matrix_conversion.h"
 #include "tavo/kinematics/mesh_instance.h"
 #include "tavo/kinematics/null.h"
 #include "tavo/kinematics/pole_vector.h"
+#include "tavo/kinematics/retarget.h"
 #include "tavo/kinematics/shape.h"
 #include "tavo/objects/register_all.h"
 #include "tavo/objects/scene.h"
@@ -42,6 +44,7 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
                 XNullDef>(database);
     registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef,
                 XMatrixConversionDef>(database);
+    registerAll<XJointIKParamsDef, XRetargetDef, XJointRetargetParamsDef>(database);
     // physics
     registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
                 XPhysicsMeshInstanceDef>(database);
