@@ -241,7 +241,7 @@ void XIKRig::driveJoints() {
     for (int j = 0; j < _joints.size(); ++j) {
         XJoint const joint(_joints[j]);
         if (!joint.IsValid()) {
-            _solver.JointIKParams().Attribute(j).Attribute(XJointIKParams::ActivePart).SetBoolean(false);
+            followTransform(j);
             continue;
         }
         XAttribute const output = _solver.OutputGeometry().Attribute(j);
@@ -250,6 +250,12 @@ void XIKRig::driveJoints() {
         driveJoint(joint, output, j == 0, _solver.AssociatedObjects());
         feedParameters(j);
     }
+}
+
+// One that is no joint keeps its animation. Nothing here drives it, so that its matrix may flow in all the time.
+void XIKRig::followTransform(int transform) {
+    _solver.JointIKParams().Attribute(transform).Attribute(XJointIKParams::ActivePart).SetBoolean(false);
+    feed(_solver.InputGeometry().Attribute(transform), XTransform(_joints[transform]).LocalMatrix());
 }
 
 void XIKRig::feedParameters(int joint) {

@@ -32,6 +32,7 @@ private:
     int listChain(XTransform const& effector);  // the number of the effector's joint
     void readJoints();
     void driveJoints();
+    void followTransform(int transform);
     void feedParameters(int joint);
 
     XTransform root() const { return XTransform(_roots.front()); }

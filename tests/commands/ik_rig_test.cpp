@@ -312,6 +312,7 @@ TEST_F(IKRig, ATransformInTheChainThatIsNoJointKeepsItsAnimation) {
     EXPECT_FALSE(solver.JointIKParams().Attribute(2).Attribute(0).Boolean());
     EXPECT_TRUE(solver.JointIKParams().Attribute(1).Attribute(0).Boolean());
     EXPECT_FALSE(parametersOf(prop).IsValid());
+    EXPECT_EQ(solver.InputGeometry().Attribute(2).InputAttribute(), prop.LocalMatrix());
     EXPECT_EQ(solver.AssociatedObjects().ArraySize(), 3);
 }
 
