@@ -41,8 +41,8 @@ void XIKRig::build(Objects const& roots, Objects const& effectors) {
     for (XObject const& effector : effectors)
         if (XTransform const chosen(effector); chosen.IsValid()) addEffector(chosen);
     if (root() != oldRoot) moveHandles();
-    for (int i = _solver.IKHandleReferences().ArraySize(); i < int(_effectors.size()); ++i) createHandle(i);
-    setReferences(_solver.EndEffectorTransforms(), _effectors);
+    for (int i = _solver.IKHandleReferences().ArraySize(); i < _effectors.size(); ++i) createHandle(i);
+    setReferences(_solver.EndEffectorTransforms(), _effectors.objects());
     listJoints();
     readJoints();
     driveJoints();
@@ -75,7 +75,7 @@ void XIKRig::dropDeleted() {
         bool const isWhole = effectors[std::size_t(i)].IsValid() && handle(i).IsValid();
         gone.push_back(!isWhole);
         if (!isWhole) continue;
-        _effectors.push_back(effectors[std::size_t(i)]);
+        _effectors.add(effectors[std::size_t(i)]);
         _primary.push_back(handle(i).IsPrimary().Boolean());
     }
     for (XAttribute const& array : {_solver.IKHandleReferences(), _solver.InputTargets(), _solver.IKHandleParams()})
@@ -98,12 +98,11 @@ void XIKRig::addRoots(Objects const& roots) {
 void XIKRig::addEffector(XTransform const& chosen) {
     if (chosen != root() && !root().IsParentOf(chosen)) return;
     for (XTransform t = chosen; t.IsValid(); t = t.ParentTransform()) {
-        auto const known = std::find(_effectors.begin(), _effectors.end(), t);
-        if (known != _effectors.end()) {
-            if (t == chosen) makePrimary(int(known - _effectors.begin()));
+        if (int const known = _effectors.indexOf(t); known >= 0) {
+            if (t == chosen) makePrimary(known);
             return;
         }
-        _effectors.push_back(t);
+        _effectors.add(t);
         _primary.push_back(t == chosen);
         if (t == root()) return;
     }
@@ -132,7 +131,7 @@ void XIKRig::moveHandles() {
 }
 
 void XIKRig::createHandle(int effector) {
-    XTransform const t(_effectors[std::size_t(effector)]);
+    XTransform const t(_effectors[effector]);
     XIKHandle made(_scene.CreateObject(XIKHandle::TypeID));
     made.SetParent(root().Parent());
     made.SetName(t.Name() + XIKHandle::DefaultSuffix);
@@ -196,9 +195,8 @@ void XIKRig::listJoints() {
     _joints.add(root());
     _parents = {-1};
     XAttribute indices = _solver.EndEffectorIndexList();
-    indices.SetArraySize(int(_effectors.size()));
-    for (int i = 0; i < int(_effectors.size()); ++i)
-        indices.SetInteger(listChain(XTransform(_effectors[std::size_t(i)])), i);
+    indices.SetArraySize(_effectors.size());
+    for (int i = 0; i < _effectors.size(); ++i) indices.SetInteger(listChain(XTransform(_effectors[i])), i);
     _parents.push_back(-1);
     _solver.JointHierarchy().SetInteger(Qelutils::Vector<int>(_parents.begin(), _parents.end()));
     XObjectList const roots(_roots);

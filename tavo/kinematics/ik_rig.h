@@ -40,8 +40,8 @@ private:
 
     XIKSolver _solver;
     XScene& _scene;
-    Objects _roots;      // the topmost first
-    Objects _effectors;  // those with handles first, in the order of the handles
+    Objects _roots;          // the topmost first
+    XObjectList _effectors;  // those with handles first, in the order of the handles
     std::vector<bool> _primary;
     XObjectList _joints;
     std::vector<int> _parents;  // of each joint its parent's number
