@@ -3,6 +3,7 @@
 #include "tavo/commands/creation_commands.h"
 #include "tavo/commands/edit_commands.h"
 #include "tavo/commands/file_commands.h"
+#include "tavo/commands/rig_commands.h"
 #include "tavo/commands/selection_commands.h"
 #include "tavo/commands/skeleton_commands.h"
 #include "tavo/commands/tool_commands.h"
@@ -54,6 +55,12 @@ void XCommandCatalogue::Register(XDatabase& settings) {
     // trajectories
     registerAll<XGenerateTrajectoryDef, XSampleTrajectoryUniformlyDef, XSampleTrajectoryAdaptivelyDef,
                 XFitTrajectoryDef, XToSplineTrajectoryDef>(settings);
+    // rigs
+    registerAll<XCreateIKRigDef, XSetIKBindPoseDef, XClearLastIKBindPoseDef, XClearAllIKBindPosesDef,
+                XSetIKRootJointsDef, XSetIKEndEffectorsDef, XSetIKPoleVectorPairsDef>(settings);
+    registerAll<XRetargetAttachDef, XRetargetDetachDef, XRetargetSetJointsToOriginDef, XRetargetSetJointOriginsDef,
+                XRetargetSetJointReferentDef, XRetargetSetJointReferentToWorldDef, XRetargetResetJointReferentsDef>(
+        settings);
     // files
     registerAll<XImportFileDef, XExportFileDef>(settings);
 }

@@ -13,6 +13,7 @@
 #include "tavo/kinematics/ik_handle.h"
 #include "tavo/kinematics/ik_solver.h"
 #include "tavo/kinematics/joint.h"
+#include "tavo/kinematics/joint_ik_params.h"
 #include "tavo/kinematics/joint_limit.h"
 #include "tavo/kinematics/kinematics_character.h"
 #include "tavo/kinematics/kinematics_constraint.h"
@@ -21,6 +22,7 @@
 #include "tavo/kinematics/mesh_instance.h"
 #include "tavo/kinematics/null.h"
 #include "tavo/kinematics/pole_vector.h"
+#include "tavo/kinematics/retarget.h"
 #include "tavo/kinematics/shape.h"
 #include "tavo/objects/register_all.h"
 #include "tavo/objects/scene.h"
@@ -46,6 +48,7 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef,
                 XMatrixConversionDef>(database);
     registerAll<XKinematicsCharacterDef, XKinematicsConstraintDef, XAimConstraintDef>(database);
+    registerAll<XJointIKParamsDef, XRetargetDef, XJointRetargetParamsDef>(database);
     // physics
     registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
                 XPhysicsMeshInstanceDef>(database);

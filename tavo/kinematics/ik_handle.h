@@ -1,5 +1,6 @@
 // XIKHandle: what a user drags to pose a chain: the target of one end effector of a solver.
 #pragma once
+#include "tavo/kinematics/ik_solver.h"
 #include "tavo/kinematics/transform.h"
 
 namespace Tavo {
@@ -19,6 +20,11 @@ public:
     TAVO_ATTRIBUTE(SolverParameters, 57)  // 0 mode, 1 position weight, 2 orientation weight, 3 depth, 4 enabled
     TAVO_ATTRIBUTE(IsPrimary, 58)         // its effector was chosen, and does not only lie on the way to the root
 
+    enum Mode { PositionAndOrientation = 0, Position = 1, Secondary = 2 };  // child 0 of SolverParameters
+
+    XIKSolver Solver() const { return XIKSolver(IKSolverReference().ObjectRef()); }
+    XTransform RootJoint() const { return XTransform(IKRootReference().ObjectRef()); }
+    XTransform EndEffectorTransform() const { return XTransform(IKEffectorReference().ObjectRef()); }
     void onInitialize() override;
 };
 using XIKHandleDef = XTypedDef<XIKHandle>;

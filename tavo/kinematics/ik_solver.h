@@ -19,7 +19,7 @@ public:
     TAVO_ATTRIBUTE(IKHandleReferences, 8)     // one for each end effector, in the same order
     TAVO_ATTRIBUTE(EndEffectorTransforms, 9)  // references
     TAVO_ATTRIBUTE(RootJoints, 10)            // references; 0 is the topmost
-    TAVO_ATTRIBUTE(JointHierarchy, 11)        // the number of each joint's parent; -1 for the topmost root
+    TAVO_ATTRIBUTE(JointHierarchy, 11)        // the number of each joint's parent, -1 for the topmost root; and one -1
     TAVO_ATTRIBUTE(EndEffectorIndexList, 12)  // the number of each end effector's joint
     TAVO_ATTRIBUTE(RootIndexList, 13)         // the numbers of the roots
     TAVO_ATTRIBUTE(InputTargets, 14)          // a matrix for each handle
@@ -44,6 +44,7 @@ public:
     TAVO_ATTRIBUTE(JointIKParams, 33)      // the parameters of each joint
     TAVO_ATTRIBUTE(AssociatedObjects, 34)  // references: helpers that the rig owns
 
+    void Initialise();  // reads the arrays anew
     bool supportsDeletion() const override { return false; }
 };
 using XIKSolverDef = XTypedDef<XIKSolver>;

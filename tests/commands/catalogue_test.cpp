@@ -35,6 +35,19 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
                                                       L"CreateAimConstraint",       // of three transforms
                                                       L"CreateSkeletalConstraint",  // no namesakes
                                                       L"CreatePoleVector",          // of one branch
+                                                      L"CreateIKRig",    // two roots without effectors
+                                                      L"SetIKBindPose",  // no rig
+                                                      L"ClearLastIKBindPose",
+                                                      L"ClearAllIKBindPoses",
+                                                      L"SetIKRootJoints",
+                                                      L"SetIKEndEffectors",
+                                                      L"SetIKPoleVectorPairs",
+                                                      L"RetargetDetach",
+                                                      L"RetargetSetJointsToOrigin",
+                                                      L"RetargetSetJointOrigins",
+                                                      L"RetargetSetJointReferent",
+                                                      L"RetargetSetJointReferentToWorld",
+                                                      L"RetargetResetJointReferents",
                                                       L"ZoomToFit",
                                                       L"ImportFile",  // without dialogs
                                                       L"ExportFile",
