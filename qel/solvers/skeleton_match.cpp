@@ -122,7 +122,7 @@ private:
     JointMatch& add(int s, int t, double confidence, MatchBasis basis) {
         source_.fellow[std::size_t(s)] = t;
         target_.fellow[std::size_t(t)] = s;
-        return push({s, t, confidence, basis, target_.labels[std::size_t(t)], -1, 0});
+        return push({s, t, confidence, basis, target_.labels[std::size_t(t)]});
     }
     JointMatch& push(JointMatch const& match) {
         matchOf_[std::size_t(match.target)] = int(found_.size());
@@ -157,16 +157,16 @@ private:
         else if (isChain)
             matchAlong(s, t);
         else if (areFree(s.back(), t.front()))
-            addPart(s.back(), t.front());
+            addPart(s.back(), t.front()).boneSource = s.front();
     }
     void matchInOrder(std::vector<int> const& s, std::vector<int> const& t) {
         for (std::size_t i = 0; i < std::min(s.size(), t.size()); ++i)
             if (areFree(s[i], t[i])) addPart(s[i], t[i]);
     }
-    void addPart(int s, int t) {
+    JointMatch& addPart(int s, int t) {
         bool const named = source_.isByName && target_.isByName;
         MatchBasis const basis = named ? MatchBasis::Name : MatchBasis::Shape;
-        add(s, t, named && haveEqualNames(s, t) ? sure : named ? byPartName : byShape, basis);
+        return add(s, t, named && haveEqualNames(s, t) ? sure : named ? byPartName : byShape, basis);
     }
     // The n-th of the target's joints at the same share of the chain's length as its counterpart, counted in joints.
     void matchAlong(std::vector<int> const& s, std::vector<int> const& t) {

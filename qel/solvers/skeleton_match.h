@@ -27,6 +27,10 @@ struct JointMatch {
     // The target follows this share of the way from `source` to another joint. -1: `source` alone.
     int blendSource = -1;
     double blend = 0;
+    // Where the source's bone begins, if `source` is a later part of a bone that is split. -1: `source`.
+    int boneSource = -1;
+
+    int boneStart() const { return boneSource >= 0 ? boneSource : source; }
 };
 
 using JointPair = std::pair<int, int>;  // source, target
