@@ -9,7 +9,8 @@ class TrajectoryEdits : public TrajectoryHostTest {
 protected:
     TrajectoryEdits() {
         makePath();
-        tracks[0] = track("path.tavo", "Hips");
+        static std::vector<Numbers> const walk = track("path.tavo", "Hips");
+        tracks[0] = walk;
     }
 
     // The report of an edit of the hips' path, which is written to out.tavo.

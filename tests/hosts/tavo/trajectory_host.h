@@ -11,8 +11,14 @@ namespace hosttest {
 
 class TrajectoryHostTest : public HostTest {
 protected:
-    // The walk with the path of its hips, which follow it.
-    void makePath() const { result("trajectory generate walk.bvh Hips -o path.tavo --connect"); }
+    // path.tavo: the walk with the path of its hips, which follow it. The host makes it once for all tests.
+    void makePath() const {
+        static std::string const scene = [this] {
+            result("trajectory generate walk.bvh Hips -o path.tavo --connect");
+            return text("path.tavo");
+        }();
+        write(folder / "path.tavo", scene);
+    }
 
     // The first number after `"key":`.
     static double number(std::string const& json, std::string const& key) {

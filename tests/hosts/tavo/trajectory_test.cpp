@@ -75,20 +75,6 @@ TEST_F(TrajectoryVerbs, GenerateTakesTheFramesItIsTold) {
     EXPECT_TRUE(has(result("trajectory generate walk.bvh Hips -o path.tavo --from 100"), "frames 100 to 119"));
 }
 
-TEST_F(TrajectoryVerbs, GenerateTellsTwinsApart) {
-    write(folder / "twins.bvh",
-          "HIERARCHY ROOT a\n{ OFFSET 0 0 0 CHANNELS 1 Xposition JOINT b\n{ OFFSET 0 1 0 CHANNELS "
-          "0 } }\nMOTION\nFrames: 3\nFrame Time: 0.1\n0\n1\n2\n");
-    result("import twins.bvh --units m -o twins.tavo");
-    result("do twins.tavo CreateJoint -o three.tavo");
-    std::string scene = text("three.tavo");
-    for (std::size_t at; (at = scene.find("\"joint\"")) != std::string::npos;) scene.replace(at, 7, "\"b\"");
-    write(folder / "three.tavo", scene);
-    std::string const told = result("trajectory generate three.tavo b -o path.tavo");
-    EXPECT_TRUE(has(told, "Scene|b_trajectory: 3 keys")) << told;
-    EXPECT_TRUE(has(told, "1 object that stands still")) << told;
-}
-
 TEST_F(TrajectoryVerbs, ASecondPathOfAnObjectHasItsOwnName) {
     result("trajectory generate walk.bvh Hips -o one.tavo");
     EXPECT_TRUE(has(result("trajectory generate one.tavo Hips -o two.tavo"), "Scene|Hips_trajectory1: 120 keys"));
