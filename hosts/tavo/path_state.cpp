@@ -1,15 +1,11 @@
 #include "hosts/tavo/path_state.h"
 
-#include "hosts/tavo/console.h"
-#include "hosts/tavo/find.h"
 #include "qel/sg/trajectory_node.h"
 #include "qel/utils/text.h"
-#include "tavo/objects/scene_graph.h"
 #include "tavo/trajectories/key_parts.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fmt/format.h>
 
 namespace host {
 namespace {
@@ -138,24 +134,6 @@ private:
     PathState state_;
 };
 
-void addIfPath(XObject const& object, std::vector<XTrajectory>& found) {
-    XTrajectory const path(object);
-    auto const isSame = [&](XTrajectory const& other) { return other.getNode() == path.getNode(); };
-    if (path.IsValid() && std::none_of(found.begin(), found.end(), isSame)) found.push_back(path);
-}
-
-// What drives its translation, as far as from one matrix to a transform.
-void addDriving(XObject const& object, std::vector<XTrajectory>& found) {
-    constexpr std::wstring_view links[] = {L"Translation", L"TranslationX", L"TranslationY", L"TranslationZ"};
-    for (std::wstring_view const link : links) {
-        std::wstring const name(link);
-        XObject const source = object.HasAttribute(name) ? object.Attribute(name).InputObject() : XObject();
-        if (!source.IsValid()) continue;
-        addIfPath(source, found);
-        if (source.HasAttribute(L"InputMatrix")) addIfPath(source.Attribute(L"InputMatrix").InputObject(), found);
-    }
-}
-
 }  // namespace
 
 PathPoint PathState::at(double time) const {
@@ -168,20 +146,5 @@ PathPoint PathState::at(double time) const {
 }
 
 PathState readPath(XTrajectory const& path) { return PathReader(path).read(); }
-
-std::vector<XTrajectory> findPaths(XScene& scene, std::string const& pattern) {
-    std::vector<XTrajectory> found;
-    std::vector<XObject> const objects = findObjects(scene, pattern);
-    for (XObject const& object : objects) {
-        addIfPath(object, found);
-        if (!XTransform(object).IsValid() || XTrajectory(object).IsValid()) continue;
-        addDriving(object, found);
-        std::vector<sg::Node*> named;
-        scene.SceneGraph()->Nodes(object.Name() + L"_" + std::wstring(XTrajectory::DefaultName), named);
-        for (sg::Node* const node : named) addIfPath(XObject(node), found);
-    }
-    if (!found.empty()) return found;
-    throw wrongCall(fmt::format("\"{}\" is no trajectory, and none belongs to it", pattern));
-}
 
 }  // namespace host

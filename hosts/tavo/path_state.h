@@ -44,8 +44,4 @@ struct PathState {
 // Speed is that between the timing keys before and after of a sampled timing curve, so that its corners do not show.
 PathState readPath(Tavo::XTrajectory const& path);
 
-// Of "OBJECT": a trajectory, or an object that follows one or that one was generated from; a pattern may mean several.
-// Never none: throws a wrong call that says so.
-std::vector<Tavo::XTrajectory> findPaths(Tavo::XScene& scene, std::string const& pattern);
-
 }  // namespace host

@@ -1,5 +1,6 @@
 // plot --trajectory: paths in space as a picture, with what they were before.
 #include "hosts/tavo/path_picture.h"
+#include "hosts/tavo/paths.h"
 #include "hosts/tavo/session.h"
 #include "plugins/bvh/exporter.h"
 
@@ -13,8 +14,7 @@ constexpr std::size_t mostPaths = 64;
 
 std::vector<PathState> statesOf(Session& session, std::vector<std::string> const& patterns) {
     std::vector<PathState> states;
-    for (std::string const& pattern : patterns)
-        for (Tavo::XTrajectory const& path : findPaths(session.scene(), pattern)) states.push_back(readPath(path));
+    for (Tavo::XTrajectory const& path : findTrajectories(session.scene(), patterns)) states.push_back(readPath(path));
     if (states.size() > mostPaths) throw wrongCall(fmt::format("{} paths are too many for a picture", states.size()));
     return states;
 }

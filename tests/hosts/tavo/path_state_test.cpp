@@ -1,8 +1,6 @@
 // What is read of a trajectory: in the world, in the order of the keys, with its motion.
-#include "hosts/tavo/console.h"
 #include "hosts/tavo/path_state.h"
 #include "hosts/tavo/session.h"
-#include "tavo/kinematics/matrix_conversion.h"
 
 #include <gtest/gtest.h>
 
@@ -35,17 +33,6 @@ protected:
         EXPECT_NEAR(p.y, y, 1e-5);
         EXPECT_NEAR(p.z, z, 1e-5);
     }
-    std::string failure(std::string const& pattern) {
-        try {
-            findPaths(session.scene(), pattern);
-        } catch (Failure const& failure) {
-            EXPECT_EQ(int(failure.code), int(ExitCode::wrongCall));
-            return failure.message;
-        }
-        ADD_FAILURE() << pattern << " was found";
-        return {};
-    }
-
     Session session;
     XTrajectory path;
     XAnimation curve;
@@ -142,38 +129,6 @@ TEST_F(PathStates, SafeGuardsSayWhetherTheyAreUsed) {
     EXPECT_FALSE(state.guards[0].isUsed);
     path.UseSafeGuards(true);
     EXPECT_TRUE(readPath(path).guards[0].isUsed);
-}
-
-TEST_F(PathStates, ATrajectoryIsFoundByItsName) {
-    ASSERT_EQ(findPaths(session.scene(), "way").size(), 1u);
-    ASSERT_EQ(findPaths(session.scene(), "Scene|w*").size(), 1u);
-}
-
-TEST_F(PathStates, ATrajectoryIsFoundByTheObjectItWasMadeFrom) {
-    XObject mover = session.scene().CreateObject(XTransform::TypeID);
-    mover.SetName(L"mover");
-    path.SetName(L"mover_trajectory");
-    std::vector<XTrajectory> const found = findPaths(session.scene(), "mover");
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].getNode(), path.getNode());
-}
-
-TEST_F(PathStates, ATrajectoryIsFoundByTheObjectThatFollowsIt) {
-    XTransform follower(session.scene().CreateObject(XTransform::TypeID));
-    follower.SetName(L"follower");
-    XMatrixConversion conversion(session.scene().CreateNode(XMatrixConversion::TypeID));
-    path.WorldCurveMatrix().ConnectOutputTo(conversion.InputMatrix());
-    conversion.TranslationX().ConnectOutputTo(follower.TranslationX());
-    conversion.TranslationY().ConnectOutputTo(follower.TranslationY());
-    std::vector<XTrajectory> const found = findPaths(session.scene(), "follower");
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].getNode(), path.getNode());
-}
-
-TEST_F(PathStates, AnObjectWithoutATrajectoryIsRefused) {
-    session.scene().CreateObject(XTransform::TypeID).SetName(L"lonely");
-    EXPECT_EQ(failure("lonely"), "\"lonely\" is no trajectory, and none belongs to it");
-    EXPECT_NE(failure("wey").find("no object matches \"wey\""), std::string::npos);
 }
 
 }  // namespace

@@ -40,6 +40,11 @@ TEST_F(PlotPath, FindsThePathByTheObjectThatItBelongsTo) {
     EXPECT_EQ(text("a.svg"), text("b.svg"));
 }
 
+TEST_F(PlotPath, FindsThePathByTheObjectThatFollowsIt) {
+    result("trajectory generate walk.bvh Hips --connect -o follows.tavo");
+    EXPECT_FALSE(plot("follows.tavo --trajectory Hips").within("path").empty());
+}
+
 TEST_F(PlotPath, ShowsTheStateOfAnotherFileBeneath) {
     Picture const picture = plot("fit.tavo --trajectory Hips --before walk.tavo");
     EXPECT_FALSE(picture.within("before", "path").empty());
@@ -58,7 +63,7 @@ TEST_F(PlotPath, TellsTimeInFrames) { EXPECT_TRUE(plot("walk.tavo --trajectory H
 TEST_F(PlotPath, RefusesWrongCalls) {
     std::pair<char const*, char const*> const cases[] = {
         {"plot walk.tavo --trajectory Hipz -o x", "no object matches \"Hipz\"; did you mean Hips"},
-        {"plot walk.tavo --trajectory Head -o x", "\"Head\" is no trajectory, and none belongs to it"},
+        {"plot walk.tavo --trajectory Head -o x", "\"Head\" has no trajectory"},
         {"plot walk.tavo --trajectory Hips --before walk.bvh -o x", "walk.bvh: "},
         {"plot walk.tavo --trajectory Hips --view above -o x",
          "there is no view \"above\"; views are top, side, front"},
