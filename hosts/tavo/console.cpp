@@ -46,6 +46,10 @@ Failure wrongCall(std::string const& message, std::string const& wanted, std::ve
     return wrongCall(message + "; did you mean " + Qelutils::toUtf8(near) + '?');
 }
 
+std::string counted(std::size_t count, char const* what) {
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
 void printError(std::string const& message) { printLine("error", "1;31", message); }
 void printWarning(std::string const& message) { printLine("warning", "1;33", message); }
 

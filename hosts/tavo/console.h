@@ -5,13 +5,20 @@
 #pragma once
 #include "qel/utils/logger.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace host {
 
-enum class ExitCode : int { done = 0, failed = 1, wrongCall = 2, badInput = 3 };
+enum class ExitCode : int {
+    done = 0,
+    failed = 1,
+    wrongCall = 2,
+    badInput = 3,
+    missed = 4,  // a quality that the command line asks for
+};
 
 struct Failure {
     ExitCode code = ExitCode::failed;
@@ -23,6 +30,8 @@ struct Failure {
 Failure wrongCall(std::string const& message);
 Failure wrongCall(std::string const& message, std::string const& wanted, std::vector<std::wstring> const& names,
                   std::string const& otherwise = "");
+
+std::string counted(std::size_t count, char const* what);  // "1 key", "2 keys"
 
 void printError(std::string const& message);
 void printWarning(std::string const& message);

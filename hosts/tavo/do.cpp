@@ -107,10 +107,6 @@ void save(Session& session, DoVerb const& verb, std::vector<CommandCall> const& 
     }
 }
 
-std::string counted(std::size_t count, char const* what) {
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
-}
-
 std::string stepText(int steps) {
     if (steps == 0) return "no step";
     return counted(std::size_t(std::abs(steps)), "step") + (steps < 0 ? " taken back" : "");

@@ -8,10 +8,6 @@
 namespace host {
 namespace {
 
-std::string counted(std::size_t count, char const* what) {
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
-}
-
 std::string describe(OpenedClip const& opened) {
     bvh::Clip const& clip = opened.clip;
     std::string text = fmt::format("{}, {}, {} of {} s\n", counted(clip.joints.size(), "joint"),

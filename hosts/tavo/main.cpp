@@ -1,5 +1,7 @@
 // The command line: verbs, options, help, and what a wrong call is told.
 #include "hosts/tavo/console.h"
+#include "hosts/tavo/options.h"
+#include "hosts/tavo/trajectory_options.h"
 #include "hosts/tavo/verbs.h"
 #include "qel/utils/text.h"
 
@@ -15,8 +17,9 @@
 namespace host {
 namespace {
 
-constexpr char const* exitCodes = "Exit codes: 0 done, 1 failed, 2 wrong call, 3 bad input.\n"
-                                  "Results go to standard output, messages to standard error.";
+constexpr char const* exitCodes =
+    "Exit codes: 0 done, 1 failed, 2 wrong call, 3 bad input, 4 an asked quality missed.\n"
+    "Results go to standard output, messages to standard error.";
 
 constexpr char const* overview = R"(Examples:
   tavo import walk.bvh -o walk.tavo          a motion clip becomes a scene
@@ -84,10 +87,10 @@ constexpr char const* plotExamples = R"(Examples:
 class Help : public CLI::Formatter {
 public:
     Help() { column_width(34); }
-    std::map<std::string, std::string> examples;
+    std::map<CLI::App const*, std::string> examples;
 
     std::string make_description(CLI::App const* app) const override {
-        auto const found = examples.find(app->get_name());
+        auto const found = examples.find(app);
         return app->get_description() + "\n\n" + (found == examples.end() ? "" : found->second + "\n\n");
     }
     std::string make_footer(CLI::App const* app) const override {
@@ -113,7 +116,7 @@ public:
         app_.require_subcommand(1);
         app_.set_version_flag("--version", "tavo " TAVO_VERSION);
         app_.get_formatter()->label("SUBCOMMAND", "VERB");
-        help_->examples["tavo"] = overview;
+        help_->examples[&app_] = overview;
         addImport();
         addExport();
         addInfo();
@@ -123,11 +126,12 @@ public:
         addPlot();
         addCommands();
         addDo();
+        addTrajectory();
     }
 
     ExitCode run(int count, char** arguments) {
         try {
-            checkVerb(count, arguments);
+            checkVerb(app_, std::vector<std::string>(arguments + 1, arguments + count));
             app_.parse(wordsOf(count, arguments));
             chosen_();
             return ExitCode::done;
@@ -141,34 +145,33 @@ public:
     }
 
 private:
-    template<class Verb> CLI::App& addVerb(Verb& verb, char const* name, char const* what, char const* examples) {
-        CLI::App& app = *app_.add_subcommand(name, what);
-        help_->examples[name] = examples;
+    template<class Verb>
+    CLI::App& addVerb(CLI::App& parent, Verb& verb, char const* name, char const* what, char const* examples) {
+        CLI::App& app = *parent.add_subcommand(name, what);
+        help_->examples[&app] = examples;
         app.footer(exitCodes);
         app.final_callback([this, &verb] { chosen_ = [&verb] { host::run(verb); }; });
         return app;
     }
     template<class Verb> CLI::App& add(Verb& verb, char const* name, char const* what, char const* examples) {
-        CLI::App& app = addVerb(verb, name, what, examples);
-        app.add_option("FILE", verb.input.file, "a motion clip or a scene")->required()->type_name("");
-        app.add_option("--units", verb.input.units, "of a clip's lengths: mm, cm, m, in, ft, yd, or auto to guess")
-            ->type_name("UNIT");
-        app.add_option("--positions", verb.input.positions,
-                       "of a clip: its position channels replace OFFSET, add to it, or auto to judge")
-            ->type_name("MODE");
+        CLI::App& app = addVerb(app_, verb, name, what, examples);
+        addInput(app, verb.input);
         return app;
     }
-    template<class Verb> static void addOutput(CLI::App& app, Verb& verb, char const* what) {
-        app.add_option("-o,--output", verb.output, what)->required()->type_name("OUT");
+    template<class Verb>
+    void addPathVerb(CLI::App& parent, Verb& verb, char const* name, char const* what, char const* examples) {
+        CLI::App& app = addVerb(parent, verb, name, what, examples);
+        addInput(app, verb.input);
+        addOptions(app, verb);
     }
 
     void addImport() {
-        addOutput(add(import_, "import", "Make a scene of a motion clip.", importExamples), import_,
+        addOutput(add(import_, "import", "Make a scene of a motion clip.", importExamples), import_.output,
                   "the scene to write");
     }
     void addExport() {
         CLI::App& app = add(export_, "export", "Write a scene's joints as a motion clip.", exportExamples);
-        addOutput(app, export_, "the clip to write");
+        addOutput(app, export_.output, "the clip to write");
         app.add_option("--to-units", export_.outputUnits, "of the clip to write (those it came with, or cm)")
             ->type_name("UNIT");
     }
@@ -203,18 +206,18 @@ private:
             ->required()
             ->type_name("...");
         app.add_flag("--display", set_.display, "values are in the scene's display units, not metres and radians");
-        addOutput(app, set_, "the scene to write, or a clip if it ends in .bvh");
+        addOutput(app, set_.output, "the scene to write, or a clip if it ends in .bvh");
     }
     void addPlot() {
         CLI::App& app = add(plot_, "plot", "Draw attributes over time.", plotExamples);
         app.add_option("ATTRIBUTE", plot_.attributes, "OBJECT.ATTRIBUTE; OBJECT may be a pattern")
             ->required()
             ->type_name("...");
-        addOutput(app, plot_, "the SVG picture to write");
+        addOutput(app, plot_.output, "the SVG picture to write");
     }
 
     void addCommands() {
-        CLI::App& app = addVerb(commands_, "commands", "List the commands that do runs.", commandsExamples);
+        CLI::App& app = addVerb(app_, commands_, "commands", "List the commands that do runs.", commandsExamples);
         app.add_option("NAME", commands_.name, "one command, in full (all)")->type_name("");
         CLI::Option* json = app.add_flag("--json", commands_.json, "for machines");
         app.add_flag("--markdown", commands_.markdown, "as the reference page")->excludes(json);
@@ -238,6 +241,18 @@ private:
             ->type_name("OUT");
     }
 
+    void addTrajectory() {
+        CLI::App& app = *app_.add_subcommand("trajectory", "Make, change and tell of paths.");
+        help_->examples[&app] = trajectoryExamples;
+        app.footer(exitCodes);
+        app.require_subcommand(1);
+        addPathVerb(app, generatePath_, "generate", "Make paths from motion.", generateExamples);
+        addPathVerb(app, fitPath_, "fit", "Put few keys with handles in place of dense ones.", fitExamples);
+        addPathVerb(app, samplePath_, "sample", "Put straight spans in place of the keys.", samplePathExamples);
+        addPathVerb(app, editPath_, "edit", "Move, scale, turn or bend part of a path.", editExamples);
+        addPathVerb(app, infoPath_, "info", "Tell what the paths of a file hold.", infoPathExamples);
+    }
+
     // Last word first, as the parser wants them. To the parser "--" ends the options; for `do` it stands between
     // commands, and passes as another word.
     static std::vector<std::string> wordsOf(int count, char** arguments) {
@@ -246,26 +261,35 @@ private:
         return words;
     }
     // An unknown verb would be told of as an unexpected argument, which helps nobody.
-    void checkVerb(int count, char** arguments) {
-        if (count < 2) throw wrongCall("which verb? `tavo --help` lists them");
-        std::string const verb = arguments[1];
-        if (verb.empty() || verb[0] == '-') return;
+    static void checkVerb(CLI::App& app, std::vector<std::string> const& words) {
         std::vector<std::wstring> names;
-        for (CLI::App const* known : app_.get_subcommands({})) names.push_back(Qelutils::fromUtf8(known->get_name()));
+        for (CLI::App const* known : app.get_subcommands({})) names.push_back(Qelutils::fromUtf8(known->get_name()));
+        if (names.empty()) return;
+        bool const isTop = !app.get_parent();
+        if (words.empty())
+            throw wrongCall(fmt::format("which verb? `tavo {}--help` lists them", isTop ? "" : app.get_name() + ' '));
+        std::string const& verb = words.front();
+        if (verb.empty() || verb[0] == '-') return;
         if (std::find(names.begin(), names.end(), Qelutils::fromUtf8(verb)) == names.end())
-            throw wrongCall(fmt::format("there is no verb \"{}\"", verb), verb, names);
+            throw wrongCall(fmt::format("there is no verb \"{}{}\"", isTop ? "" : app.get_name() + ' ', verb), verb,
+                            names);
+        checkVerb(*app.get_subcommand(verb), {words.begin() + 1, words.end()});
+    }
+    CLI::App const& chosenVerb() const {
+        CLI::App const* app = &app_;
+        while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
+        return *app;
     }
     ExitCode tell(CLI::ParseError const& error) {
         if (error.get_exit_code() == 0) {
             app_.exit(error);
             return ExitCode::done;
         }
-        std::vector<CLI::App*> const verbs = app_.get_subcommands();
-        CLI::App const& verb = verbs.empty() ? app_ : *verbs.front();
         std::vector<std::string> const extra = app_.remaining(true);
         auto const option = std::find_if(extra.begin(), extra.end(), [](std::string const& a) { return a[0] == '-'; });
         if (option != extra.end())
-            printError(wrongCall(fmt::format("there is no option {}", *option), *option, optionNames(verb)).message);
+            printError(
+                wrongCall(fmt::format("there is no option {}", *option), *option, optionNames(chosenVerb())).message);
         else
             printError(error.what());
         return ExitCode::wrongCall;
@@ -289,6 +313,11 @@ private:
     PlotVerb plot_;
     CommandsVerb commands_;
     DoVerb do_;
+    GenerateTrajectoryVerb generatePath_;
+    FitTrajectoryVerb fitPath_;
+    SampleTrajectoryVerb samplePath_;
+    EditTrajectoryVerb editPath_;
+    InfoTrajectoryVerb infoPath_;
 };
 
 }  // namespace

@@ -30,15 +30,6 @@ constexpr ValueKind kinds[] = {
     {AttributeType::Compound, L"compound", "its parts with commas"},
 };
 
-std::vector<std::string> splitAtCommas(std::string const& text) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (std::size_t comma; (comma = text.find(',', start)) != std::string::npos; start = comma + 1)
-        parts.push_back(text.substr(start, comma - start));
-    parts.push_back(text.substr(start));
-    return parts;
-}
-
 sg::AttributeUnit unitOf(XAttribute const& attribute) { return sg::AttributeUnit(attribute.Units()); }
 
 template<class Content> std::optional<Content> when(bool fits, Content const& content) {
@@ -148,6 +139,15 @@ void checkAttribute(XAttribute const& attribute) {
 }
 
 }  // namespace
+
+std::vector<std::string> splitAtCommas(std::string const& text) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (std::size_t comma; (comma = text.find(',', start)) != std::string::npos; start = comma + 1)
+        parts.push_back(text.substr(start, comma - start));
+    parts.push_back(text.substr(start));
+    return parts;
+}
 
 ValueKind const* kindOf(AttributeType type) {
     auto const found = std::find_if(std::begin(kinds), std::end(kinds), [&](auto const& k) { return k.type == type; });

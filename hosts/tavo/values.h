@@ -8,6 +8,8 @@
 
 namespace host {
 
+std::vector<std::string> splitAtCommas(std::string const& text);  // never none
+
 // A kind of value that a command line can give.
 struct ValueKind {
     db::AttributeType type;

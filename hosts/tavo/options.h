@@ -1,0 +1,12 @@
+// Options that verbs have in common, each stated once.
+#pragma once
+#include "hosts/tavo/verbs.h"
+
+#include <CLI/App.hpp>
+
+namespace host {
+
+void addInput(CLI::App& app, Input& input);
+CLI::Option* addOutput(CLI::App& app, std::string& output, char const* what);
+
+}  // namespace host
