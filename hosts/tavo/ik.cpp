@@ -1,9 +1,9 @@
 // ik: builds a rig of inverse kinematics on a figure, moves its handles, and tells how near the effectors come.
 #include "hosts/tavo/find.h"
 #include "hosts/tavo/json.h"
+#include "hosts/tavo/rig_verbs.h"
 #include "hosts/tavo/session.h"
 #include "hosts/tavo/targets.h"
-#include "hosts/tavo/values.h"
 #include "qel/utils/text.h"
 #include "tavo/interaction/selection.h"
 #include "tavo/kinematics/ik_handle.h"
@@ -136,7 +136,7 @@ std::string reportJson(IkVerb const& verb, XTransform const& root, std::vector<G
 void checkGate(IkVerb const& verb, std::vector<Goal> const& goals) {
     for (Goal const& goal : goals)
         if (double const error = errorOf(goal).millimetres; verb.maxError && !(error <= *verb.maxError))
-            throw Failure{ExitCode::gateMissed, fmt::format("{} is {:.2f} mm from its target, more than {} mm",
+            throw Failure{ExitCode::missed, fmt::format("{} is {:.2f} mm from its target, more than {} mm",
                                                             toUtf8(goal.effector.Path()), error, *verb.maxError)};
 }
 
