@@ -27,8 +27,6 @@ double metresOf(XJoint const& root) {
     return bvh::metresPer(notes ? notes->unit : bvh::Unit::metre);
 }
 
-XObject parentOf(XObject const& joint) { return joint.Parent(); }
-
 }  // namespace
 
 Motion Motion::read(Input const& input) {
@@ -76,7 +74,7 @@ Figure Figure::of(Motion const& motion, XScene& scene) {
         throw Failure{ExitCode::failed, "the motion could not be brought into the scene"};
     figure.root = XTransform(scene.CreateObject(XTransform::TypeID, scene.RootObject()));
     for (std::size_t i = 0; i < report.joints.size(); ++i) {
-        XJoint joint(XObject(scene, report.joints[i]));
+        XJoint joint(scene.Object(report.joints[i]));
         if (motion.clip.joints[i].parent < 0) {
             joint.SetParent(figure.root);
             joint.SetName(bvh::sceneName(motion.clip.joints[i].name));
@@ -87,18 +85,20 @@ Figure Figure::of(Motion const& motion, XScene& scene) {
     return figure;
 }
 
-// Its lowest joint stands on the ground, which is level with the scene's origin. Up is y or z, along which it is taller.
+// Its lowest joint stands on the ground, which is level with the scene's origin. Up is y or z, along which it is
+// taller.
 void Figure::standAtRest() {
     double const metres = metresOf(joints.front());
     std::unordered_map<int, XMatrix> world;
     float low[3] = {0, 0, 0}, high[3] = {0, 0, 0};
     for (XJoint const& joint : joints) {
         origin.push_back(restOf(joint, metres));
-        auto const above = world.find(parentOf(joint).ObjectID());
+        auto const above = world.find(joint.Parent().ObjectID());
         XMatrix local = origin.back();
         if (above == world.end()) local.SetTranslation(XVector3(0, 0, 0));
-        XMatrix const& placed = world[joint.ObjectID()] = above == world.end() ? local : local * above->second;
-        XVector3 const at = placed.Translation();
+        if (above != world.end()) local.Multiply(above->second);
+        world[joint.ObjectID()] = local;
+        XVector3 const at = local.Translation();
         for (unsigned axis = 0; axis < 3; ++axis) {
             low[axis] = std::min(low[axis], at[axis]);
             high[axis] = std::max(high[axis], at[axis]);

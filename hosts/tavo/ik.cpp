@@ -46,8 +46,7 @@ std::vector<Goal> goalsOf(XScene& scene, IkVerb const& verb, XTransform const& r
         if (effector != root && !root.IsParentOf(effector))
             throw wrongCall(fmt::format("{} is not below {}", toUtf8(effector.Path()), toUtf8(root.Path())));
         for (Goal const& goal : goals)
-            if (goal.effector == effector)
-                throw wrongCall(fmt::format("{} is given twice", toUtf8(effector.Path())));
+            if (goal.effector == effector) throw wrongCall(fmt::format("{} is given twice", toUtf8(effector.Path())));
         goals.push_back({effector, target, {}});
     };
     for (std::string const& text : verb.effectors) {
@@ -68,8 +67,7 @@ XIKSolver buildRig(Session& session, XTransform const& root, std::vector<Goal>& 
     selection.Append(root);
     for (Goal const& goal : goals) selection.Append(goal.effector);
     Qelutils::Vector<XObject> results;
-    std::vector<std::string> const errors =
-        session.errorsOf([&] { scene.RunCommand(L"CreateIKRig", results); });
+    std::vector<std::string> const errors = session.errorsOf([&] { scene.RunCommand(L"CreateIKRig", results); });
     XIKSolver const solver(results.empty() ? XObject() : results.front());
     if (!errors.empty() || !solver.IsValid())
         throw Failure{ExitCode::failed, errors.empty() ? "no rig could be built" : errors.front()};
@@ -89,7 +87,7 @@ void moveHandles(XScene& scene, std::vector<Goal>& goals) {
         if (goal.target.rotation)
             goal.handle.SetWorldRotationQuaternion(*goal.target.rotation);
         else
-            goal.handle.SolverParameters().Attribute(XIKHandle::OrientationWeightPart).SetFloat(0);
+            goal.handle.SolverParameters().Attribute(0).SetEnumeration(XIKHandle::Position);
     }
 }
 
@@ -100,7 +98,7 @@ struct Error {
 
 Error errorOf(Goal const& goal) {
     Error error;
-    error.millimetres = 1000 * double((goal.effector.WorldTranslation() - goal.target.position).Length());
+    error.millimetres = 1000 * double(goal.effector.WorldTranslation().DistanceTo(goal.target.position));
     if (!goal.target.rotation) return error;
     XQuaternion const a = goal.effector.WorldRotation(), &b = *goal.target.rotation;
     double const cosine = std::abs(double(a.X()) * double(b.X()) + double(a.Y()) * double(b.Y()) +
@@ -137,7 +135,7 @@ void checkGate(IkVerb const& verb, std::vector<Goal> const& goals) {
     for (Goal const& goal : goals)
         if (double const error = errorOf(goal).millimetres; verb.maxError && !(error <= *verb.maxError))
             throw Failure{ExitCode::missed, fmt::format("{} is {:.2f} mm from its target, more than {} mm",
-                                                            toUtf8(goal.effector.Path()), error, *verb.maxError)};
+                                                        toUtf8(goal.effector.Path()), error, *verb.maxError)};
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The command line: verbs, options, help, and what a wrong call is told.
 #include "hosts/tavo/console.h"
 #include "hosts/tavo/options.h"
+#include "hosts/tavo/rig_options.h"
 #include "hosts/tavo/trajectory_options.h"
 #include "hosts/tavo/verbs.h"
 #include "qel/utils/text.h"
@@ -127,6 +128,8 @@ public:
         addCommands();
         addDo();
         addTrajectory();
+        addPathVerb(app_, ik_, "ik", "Pose a figure by its hands and feet.", ikExamples);
+        addPathVerb(app_, retarget_, "retarget", "Let a figure take over another one's motion.", retargetExamples);
     }
 
     ExitCode run(int count, char** arguments) {
@@ -318,6 +321,8 @@ private:
     SampleTrajectoryVerb samplePath_;
     EditTrajectoryVerb editPath_;
     InfoTrajectoryVerb infoPath_;
+    IkVerb ik_;
+    RetargetVerb retarget_;
 };
 
 }  // namespace
