@@ -4,9 +4,7 @@
 #include "plugins/bvh/scene_notes.h"
 #include "tavo/objects/matrix.h"
 
-#include <algorithm>
 #include <fmt/format.h>
-#include <unordered_map>
 
 namespace host {
 namespace {
@@ -61,7 +59,7 @@ Figure Figure::ofScene(XScene& scene) {
             throw wrongCall("the file holds several figures; one alone can take over a motion");
         figure.root = above;
     }
-    figure.standAtRest();
+    figure.takeRest();
     return figure;
 }
 
@@ -81,33 +79,13 @@ Figure Figure::of(Motion const& motion, XScene& scene) {
         }
         figure.joints.push_back(joint);
     }
-    figure.standAtRest();
+    figure.takeRest();
     return figure;
 }
 
-// Its lowest joint stands on the ground, which is level with the scene's origin. Up is y or z, along which it is
-// taller.
-void Figure::standAtRest() {
+void Figure::takeRest() {
     double const metres = metresOf(joints.front());
-    std::unordered_map<int, XMatrix> world;
-    float low[3] = {0, 0, 0}, high[3] = {0, 0, 0};
-    for (XJoint const& joint : joints) {
-        origin.push_back(restOf(joint, metres));
-        auto const above = world.find(joint.Parent().ObjectID());
-        XMatrix local = origin.back();
-        if (above == world.end()) local.SetTranslation(XVector3(0, 0, 0));
-        if (above != world.end()) local.Multiply(above->second);
-        world[joint.ObjectID()] = local;
-        XVector3 const at = local.Translation();
-        for (unsigned axis = 0; axis < 3; ++axis) {
-            low[axis] = std::min(low[axis], at[axis]);
-            high[axis] = std::max(high[axis], at[axis]);
-        }
-    }
-    unsigned const up = high[2] - low[2] > high[1] - low[1] ? 2 : 1;
-    for (std::size_t i = 0; i < joints.size(); ++i)
-        if (!joints[i].ParentJoint().IsValid())
-            origin[i].SetTranslation(up == 1 ? XVector3(0, -low[1], 0) : XVector3(0, 0, -low[2]));
+    for (XJoint const& joint : joints) origin.push_back(restOf(joint, metres));
 }
 
 void Figure::takeOrigin(XScene& scene, int frame) {

@@ -4,7 +4,6 @@
 #include "hosts/tavo/session.h"
 #include "tavo/kinematics/joint.h"
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -19,7 +18,7 @@ struct Motion {
     std::string frameTime() const { return clip.frameTimeText; }
 };
 
-// The joints below one transform, and the pose in which they stand on the ground without having moved.
+// The joints below one transform, and the pose in which they have not moved yet: as they came, unless it is told.
 struct Figure {
     Tavo::XTransform root;              // above the topmost joints
     std::vector<Tavo::XJoint> joints;   // parents before children
@@ -34,7 +33,7 @@ struct Figure {
     void takeOrigin(Tavo::XScene& scene, int frame);
 
 private:
-    void standAtRest();
+    void takeRest();
 };
 
 }  // namespace host
