@@ -154,8 +154,10 @@ TEST_F(PinTest, ALesserWeightLeavesItsShareToThePresentPlace) {
     setWeight(0.25F);
     EXPECT_TRUE(pin->hold());
     expectNear(vector(held, T::Translation), {from.x + 3, from.y, from.z});
-    setWeight(0);
-    EXPECT_FALSE(pin->hold());
+    for (float none : {0.F, -1.F, nan}) {
+        setWeight(none);
+        EXPECT_FALSE(pin->hold());
+    }
     expectNear(vector(held, T::Translation), {from.x + 3, from.y, from.z});
 }
 
