@@ -71,7 +71,11 @@ PlanePoint nearestOnBorder(Ellipse const& e, PlanePoint const& p) {
     return {std::copysign(near.x, p.x), std::copysign(near.y, p.y)};
 }
 
-double gauge(Ellipse const& e, PlanePoint const& p) { return std::hypot(p.x / e.x, p.y / e.y); }
+// 1 on the border.
+double gauge(Ellipse const& e, PlanePoint const& p) {
+    double const x = p.x / e.x, y = p.y / e.y;
+    return x * x + y * y;
+}
 
 // How far outside a strip, a segment or a point; negative inside.
 double distanceToBox(Ellipse const& e, PlanePoint const& p) {
