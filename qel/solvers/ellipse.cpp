@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace sg {
 namespace {
@@ -61,13 +60,12 @@ PlanePoint nearestInQuadrant(Ellipse const& e, PlanePoint const& p) {
     return {e.x * cosine / length, e.y * sine / length};
 }
 
+PlanePoint swapped(PlanePoint const& p) { return {p.y, p.x}; }
+
 PlanePoint nearestOnBorder(Ellipse const& e, PlanePoint const& p) {
     PlanePoint const folded{std::abs(p.x), std::abs(p.y)};
-    PlanePoint near = nearestInQuadrant(e, folded);
-    if (e.x < e.y) {
-        near = nearestInQuadrant({e.y, e.x}, {folded.y, folded.x});
-        std::swap(near.x, near.y);
-    }
+    PlanePoint const near =
+        e.x >= e.y ? nearestInQuadrant(e, folded) : swapped(nearestInQuadrant({e.y, e.x}, swapped(folded)));
     return {std::copysign(near.x, p.x), std::copysign(near.y, p.y)};
 }
 
