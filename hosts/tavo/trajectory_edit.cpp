@@ -100,7 +100,7 @@ std::string textOf(Edited const& edited, EditTrajectoryVerb const& verb) {
                                 figure(double(c.z)), counted(std::size_t(edited.change.keysHeld[i]), "key"));
         }
         for (auto const& [key, time] : edited.timeGuards)
-            text += fmt::format("  time       timing key {} stays at {} s\n", key, figure(double(time)));
+            text += fmt::format("  time guard timing key {} stays at {} s\n", key, figure(double(time)));
     }
     return text + fmt::format("wrote {}\n", verb.output);
 }
@@ -129,6 +129,7 @@ std::string jsonOf(Edited const& edited, EditTrajectoryVerb const& verb) {
 }
 
 Edited edit(EditTrajectoryVerb const& verb, XTrajectory path) {
+    if (!path.IsEditable()) throw Failure{ExitCode::failed, fmt::format("{} may not be edited", pathOf(path))};
     PathChange const change = changeOf(verb);
     PathPlace const place = placeOf(verb, path);
     XDropOff const dropoff = dropoffOf(verb);

@@ -31,7 +31,10 @@ Frames framesOf(Session& session, GenerateTrajectoryVerb const& verb) {
     Frames const frames{verb.from.value_or(first), verb.to.value_or(first + count - 1), verb.by, rate};
     if (!(frames.by > 0) || !std::isfinite(frames.by)) throw wrongCall("--by is a number of frames above 0");
     double const keys = (frames.to - frames.from) / frames.by;
-    if (!(keys > 0)) throw wrongCall(fmt::format("there is no motion from frame {} to {}", frames.from, frames.to));
+    bool const isAsked = verb.from || verb.to || verb.by != 1;
+    if (!(keys > 0.999))
+        throw Failure{isAsked ? ExitCode::wrongCall : ExitCode::failed,
+                      fmt::format("there is no step from frame {} to {}", frames.from, frames.to)};
     if (!(keys <= XTrajectory::MostSegments)) throw wrongCall("that is too many keys; a larger --by gives fewer");
     return frames;
 }
@@ -78,30 +81,18 @@ struct Made {
     XTrajectory path;  // invalid: the source stands still
 };
 
-// Those that stand still are left out of the results, so that these are told apart by their names.
-void generateBatch(std::vector<XTransform> const& sources, std::vector<Made>& made) {
+// Those that stand still are left out of the results, so that these are told apart by their names. Of twins in
+// different places of the hierarchy it does not matter which is which: neither can follow a path.
+std::vector<Made> generate(std::vector<XTransform> const& sources) {
     Qelutils::Vector<XObject> results;
     XTrajectories::Instance().Generate(XTrajectories::Objects(sources.begin(), sources.end()), results);
+    std::vector<Made> made;
     auto next = results.begin();
     for (XTransform const& source : sources) {
         std::wstring const name = source.Name() + L'_' + std::wstring(XTrajectory::DefaultName);
         bool const moves = next != results.end() && next->Name().starts_with(name);
         made.push_back({source, moves ? XTrajectory(*next++) : XTrajectory()});
     }
-}
-
-// The scene is played once for all of a batch: no two of one name, and so nearly always for all.
-std::vector<Made> generate(std::vector<XTransform> const& sources) {
-    std::vector<std::vector<XTransform>> batches;
-    for (XTransform const& source : sources) {
-        auto const batch = std::find_if(batches.begin(), batches.end(), [&](auto const& members) {
-            return std::none_of(members.begin(), members.end(),
-                                [&](XTransform const& other) { return other.Name() == source.Name(); });
-        });
-        (batch == batches.end() ? batches.emplace_back() : *batch).push_back(source);
-    }
-    std::vector<Made> made;
-    for (std::vector<XTransform> const& batch : batches) generateBatch(batch, made);
     return made;
 }
 
