@@ -46,7 +46,7 @@ int XObjectList::indexOf(XObject const& object) const {
 }
 
 void clearConnected(XAttribute array) {
-    for (int i = 0, count = array.ArraySize(); i < count; ++i) array.Attribute(i).Disconnect();
+    for (int i = array.ArraySize() - 1; i >= 0; --i) array.Attribute(i).Disconnect();
     array.Clear();
 }
 
