@@ -27,10 +27,7 @@ public:
     void compute(std::uint64_t todo) override;
 
 private:
-    float real(int row) const;
-    Qelp::Vector3 read(int first) const { return {real(first), real(first + 1), real(first + 2)}; }
     Qelp::Matrix34 readMatrix() const;
-    void write(int first, Qelp::Vector3 const& value);
     void computeTranslation();
     void computeRotation();
 };

@@ -94,7 +94,7 @@ constexpr Rows transformRows = {
     angle(42, L"PostRotationX").affects(changed), angle(43, L"PostRotationY").affects(changed), angle(44, L"PostRotationZ").affects(changed),
     compound(45, L"RotationQuaternion", quaternionRows).affects(changed),
     enumeration(46, L"RotationInterpolation", rotationInterpolations).doc(L"How rotation is keyed: as a whole, or each angle."),
-    enumeration(47, L"RotationEulerOrder", eulerOrders).affects(changed),
+    enumeration(47, L"RotationEulerOrder", eulerOrders).affects(changed | TransformBaseNode::ofOrderBit),
     matrix(48, L"LocalMatrixInput").affects(changed).doc(L"The local matrix when the data source is the matrix."),
     boolean(49, L"ShowTrajectory"), boolean(50, L"ShowAxis"),
 };
@@ -112,12 +112,16 @@ static_assert(isSound(jointRows, 51));
 
 constexpr Rows jointLimitRows = {
     pointer(51, L"JointReference"), matrix(52, L"JointWorldMatrix"), matrix(53, L"JointLocalMatrix"),
-    angle(54, L"MovingOffsetX"), angle(55, L"MovingOffsetY"), angle(56, L"MovingOffsetZ"), matrix(57, L"MovingOffsetMatrix"),
-    enumeration(58, L"LimitType", limitTypes),
-    boolean(59, L"Swing1Active", true), angle(60, L"Swing1Angle", 0.7853982), boolean(61, L"Swing2Active", true), angle(62, L"Swing2Angle", 0.7853982),
-    boolean(63, L"TwistActive", true), angle(64, L"TwistAngle", 1.5707964), angle(65, L"TwistOffset"),
-    boolean(66, L"SoftSwingActive"), channel(67, L"SoftSwing1Ratio", 0.7), channel(68, L"SoftSwing2Ratio", 0.7),
-    boolean(69, L"SoftTwistActive"), channel(70, L"SoftTwistRatio", 0.7),
+    angle(54, L"MovingOffsetX").affects(JointLimitNode::movingOffsetBit), angle(55, L"MovingOffsetY").affects(JointLimitNode::movingOffsetBit),
+    angle(56, L"MovingOffsetZ").affects(JointLimitNode::movingOffsetBit),
+    matrix(57, L"MovingOffsetMatrix").output(10).doc(L"Those angles by the rotation's Euler order: the moving frame in the joint's space."),
+    enumeration(58, L"LimitType", limitTypes).doc(L"A ball and socket has both swings and the twist; a hinge the twist alone."),
+    boolean(59, L"Swing1Active", true), angle(60, L"Swing1Angle", 0.7853982).doc(L"The largest swing about Y, to either side; with the other a half axis of an ellipse."),
+    boolean(61, L"Swing2Active", true), angle(62, L"Swing2Angle", 0.7853982).doc(L"The largest swing about Z."),
+    boolean(63, L"TwistActive", true), angle(64, L"TwistAngle", 1.5707964).doc(L"The largest turn about X, to either side of the offset."),
+    angle(65, L"TwistOffset").doc(L"The middle of the twist's range."),
+    boolean(66, L"SoftSwingActive"), channel(67, L"SoftSwing1Ratio", 0.7).doc(L"From this share of the angle on the limit resists, and is never reached."),
+    channel(68, L"SoftSwing2Ratio", 0.7), boolean(69, L"SoftTwistActive"), channel(70, L"SoftTwistRatio", 0.7),
     channel(71, L"DisplayScale", 1), boolean(72, L"ShowFixedAxes"), boolean(73, L"ShowMovingAxes"),
 };
 static_assert(isSound(jointLimitRows, 51));
@@ -159,8 +163,12 @@ constexpr Rows ikHandleRows = {
 };
 constexpr Rows jointIKParamsRows = {compound(8, L"Parameters", jointIKParameterRows)};
 constexpr Rows poleVectorRows = {
-    pointer(51, L"ControlJoint"), pointer(52, L"EndEffector"), boolean(53, L"Enabled", true), channel(54, L"Weight", 1), matrix(55, L"PoleVector"),
+    pointer(51, L"ControlJoint").doc(L"The joint whose chain bends towards the pole."), pointer(52, L"EndEffector").doc(L"The chain's end, of a control pole."),
+    boolean(53, L"Enabled", true).affects(above), channel(54, L"Weight", 1).affects(above).doc(L"From 0, no pull, to 1."),
+    matrix(55, L"PoleVector").output(3).with(FlagUnsaved).doc(L"Row 3 is the pole's place; the other rows its axes times its weight, 0 if it is not enabled."),
+    matrix(56, L"SpaceWorldMatrix").affects(above).doc(L"World matrix of the space in which the pole vector is given; the identity: the world."),
 };
+static_assert(isSound(poleVectorRows, 51));
 constexpr Rows retargetParameterRows = {
     text(0, L"JointName"), pointer(1, L"Referent"), matrix(2, L"ReferentMatrix"), matrix(3, L"Origin"), boolean(4, L"HasParent"),
     enumeration(5, L"Mode", retargetModes, 1), real(6, L"TranslationWeight", 1), real(7, L"RotationWeight", 1), real(8, L"Scale", 1),
@@ -181,18 +189,31 @@ constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetPa
 
 // ---- constraints ----
 
-constexpr Rows kinematicsTargetRows = {matrix(0, L"Matrix"), matrix(1, L"Offset"), real(2, L"Weight", 1)};
+constexpr Rows kinematicsTargetRows = {
+    matrix(0, L"Matrix").doc(L"The target's world matrix."), matrix(1, L"Offset").doc(L"Where the target wants it, in the target's space."),
+    real(2, L"Weight", 1).doc(L"Negative counts as 0."),
+};
 constexpr Rows kinematicsTargetElement = {compound(0, L"Target", kinematicsTargetRows)};
+constexpr std::uint32_t blended = KinematicsConstraintNode::blendBit, aimed = AimConstraintNode::aimBit;
 constexpr Rows kinematicsConstraintRows = {
-    attributeArray(8, L"InputMatrices", kinematicsTargetElement), matrix(9, L"ParentWorldIn"),
-    length(10, L"LocalTranslationOutX"), length(11, L"LocalTranslationOutY"), length(12, L"LocalTranslationOutZ"),
-    angle(13, L"LocalRotationOutX"), angle(14, L"LocalRotationOutY"), angle(15, L"LocalRotationOutZ"),
-    matrix(16, L"LocalMatrix"), boolean(17, L"NormalizeWeights", true),
+    attributeArray(8, L"InputMatrices", kinematicsTargetElement).affects(blended), matrix(9, L"ParentWorldIn").affects(blended),
+    real(10, L"LocalTranslationOutX").unit(Linear).output(0), real(11, L"LocalTranslationOutY").unit(Linear).output(0),
+    real(12, L"LocalTranslationOutZ").unit(Linear).output(0),
+    real(13, L"LocalRotationOutX").unit(Angular).output(0).doc(L"Euler angles of order XYZ."), real(14, L"LocalRotationOutY").unit(Angular).output(0),
+    real(15, L"LocalRotationOutZ").unit(Angular).output(0),
+    matrix(16, L"LocalMatrix").output(0).with(FlagUnsaved).doc(L"Translation and rotation, without scale."),
+    boolean(17, L"NormalizeWeights", true).affects(blended).doc(L"Only the weights' ratios count; if not, what they leave of 1 is the parent's."),
 };
+static_assert(isSound(kinematicsConstraintRows, 8));
 constexpr Rows aimConstraintRows = {
-    matrix(8, L"WorldIn"), matrix(9, L"UpVectorIn").doc(L"World matrix of the object that is above."), matrix(10, L"ParentWorldIn"),
-    angle(11, L"LocalEulerOutX"), angle(12, L"LocalEulerOutY"), angle(13, L"LocalEulerOutZ"),
+    matrix(8, L"WorldIn").affects(aimed).doc(L"World matrix of the target that the X axis points at."),
+    matrix(9, L"UpVectorIn").affects(aimed).doc(L"World matrix of the object that is above: the Y axis leans to it."), matrix(10, L"ParentWorldIn").affects(aimed),
+    real(11, L"LocalEulerOutX").unit(Angular).output(0).doc(L"Euler angles of order XYZ."), real(12, L"LocalEulerOutY").unit(Angular).output(0),
+    real(13, L"LocalEulerOutZ").unit(Angular).output(0),
+    length(14, L"LocalTranslationInX").affects(aimed).doc(L"Where what aims stands in its parent."), length(15, L"LocalTranslationInY").affects(aimed),
+    length(16, L"LocalTranslationInZ").affects(aimed),
 };
+static_assert(isSound(aimConstraintRows, 8));
 using C = MatrixConversionNode;
 constexpr std::uint32_t split = C::translationBit | C::rotationBit;
 constexpr Rows splitQuaternion = {real(0, L"X").output(1), real(1, L"Y").output(1), real(2, L"Z").output(1), real(3, L"W", 1).output(1)};
@@ -215,15 +236,16 @@ constexpr Rows mirrorConstraintRows = {
     angle(21, L"RotationX"), angle(22, L"RotationY"), angle(23, L"RotationZ"), integer(24, L"MirrorAxis"),
 };
 constexpr Rows pinRows = {
-    attributeArray(8, L"InputMatrices", kinematicsTargetElement), matrix(9, L"ParentWorldIn"),
+    attributeArray(8, L"InputMatrices", kinematicsTargetElement).affects(PinNode::placeBit), matrix(9, L"ParentWorldIn").affects(PinNode::placeBit),
     pointer(10, L"TranslationXReference"), pointer(11, L"TranslationYReference"), pointer(12, L"TranslationZReference"),
     pointer(13, L"RotationXReference"), pointer(14, L"RotationYReference"), pointer(15, L"RotationZReference"),
     pointer(16, L"LocalMatrixReference"), pointer(17, L"WorldMatrixReference"),
     boolean(19, L"Pinned").doc(L"The pinned object stays where it is."),
+    matrix(20, L"LocalMatrix").output(0).with(FlagUnsaved).doc(L"Where the target is in the pinned object's parent, without scale."),
 };
 static_assert(isSound(pinRows, 8));
-constexpr Rows notRows = {boolean(6, L"Output", true), boolean(7, L"Input")};
-constexpr Rows copyMatrixRows = {matrix(8, L"Input"), pointer(9, L"OutputReference").doc(L"The matrix that it is copied to.")};
+constexpr Rows notRows = {boolean(6, L"Output", true).output(0), boolean(7, L"Input").affects(NotNode::outputBit)};
+constexpr Rows copyMatrixRows = {matrix(8, L"Input"), pointer(9, L"OutputReference").doc(L"The matrix that it is copied to, when asked.")};
 constexpr Rows floatProductRows = {channel(8, L"Input"), channel(9, L"Factor", 1), channel(10, L"Output")};
 
 // ---- animation ----

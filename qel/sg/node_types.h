@@ -2,7 +2,10 @@
 // what computes.
 #pragma once
 #include "qel/sg/animation_node.h"
+#include "qel/sg/constraint_nodes.h"
+#include "qel/sg/joint_limit_node.h"
 #include "qel/sg/matrix_conversion_node.h"
+#include "qel/sg/rig_nodes.h"
 #include "qel/sg/selection_node.h"
 #include "qel/sg/trajectory_node.h"
 #include "qel/sg/transform_node.h"
@@ -23,7 +26,6 @@ SG_NODE_TYPE(UnknownNode, Node, L"Unknown")
 // hierarchy and skeleton
 SG_NODE_TYPE(NullNode, Node, L"Null")
 SG_NODE_TYPE(JointNode, TransformNode, L"Joint")
-SG_NODE_TYPE(JointLimitNode, TransformNode, L"JointLimit")
 SG_NODE_TYPE(CharacterNode, TransformNode, L"Character")
 SG_NODE_TYPE(KinematicsCharacterNode, TransformNode, L"KinematicsCharacter")
 
@@ -31,15 +33,9 @@ SG_NODE_TYPE(KinematicsCharacterNode, TransformNode, L"KinematicsCharacter")
 SG_NODE_TYPE(IKSolverNode, Node, L"IKSolver")
 SG_NODE_TYPE(IKHandleNode, TransformNode, L"IKHandle")
 SG_NODE_TYPE(JointIKParamsNode, Node, L"JointIKParams")
-SG_NODE_TYPE(PoleVectorNode, TransformNode, L"PoleVector")
 SG_NODE_TYPE(RetargetNode, Node, L"Retarget")
 SG_NODE_TYPE(JointRetargetParamsNode, TransformNode, L"JointRetargetParams")
-SG_NODE_TYPE(KinematicsConstraintNode, Node, L"KinematicsConstraint")
-SG_NODE_TYPE(AimConstraintNode, Node, L"AimConstraint")
 SG_NODE_TYPE(MirrorConstraintNode, Node, L"MirrorConstraint")
-SG_NODE_TYPE(PinNode, Node, L"Pin")
-SG_NODE_TYPE(NotNode, Node, L"Not")
-SG_NODE_TYPE(CopyMatrixNode, Node, L"CopyMatrix")
 SG_NODE_TYPE(FloatProductNode, Node, L"FloatProduct")
 
 // animation

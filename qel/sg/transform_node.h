@@ -23,8 +23,8 @@ public:
     static inline std::wstring const ClassID = L"TransformBase";
     static db::NodeDef const Def;
     enum Number : int { Prepared = 16, ParentWorldMatrix = 17, LocalMatrix = 18, WorldMatrix = 19 };
-    // The last one: what a type of its own makes of its world matrix, if it does.
-    static constexpr std::uint32_t localBit = 1, worldBit = 2, preparedBit = 4, aboveWorldBit = 8;
+    // The last two: what a type of its own makes of its world matrix, and of its Euler order, if it does.
+    static constexpr std::uint32_t localBit = 1, worldBit = 2, preparedBit = 4, aboveWorldBit = 8, ofOrderBit = 1 << 10;
 
     explicit TransformBaseNode(db::NodeDef const& def) : RenderableNode(def, inputRoom_, std::size(inputRoom_)) {}
     void compute(std::uint64_t todo) override;

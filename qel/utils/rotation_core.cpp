@@ -51,21 +51,6 @@ Triple perpendicular(Triple const& v) {
     return out;
 }
 
-Quaternion normalized(Quaternion const& q) {
-    double const length = lengthOf(q.x, q.y, q.z, q.w);
-    if (!(length > 0 && std::isfinite(length))) return {};
-    double const f = (q.w < 0 ? -1 : 1) / length;
-    return {q.x * f, q.y * f, q.z * f, q.w * f};
-}
-
-// The Hamilton product turns by its right factor first; here the arguments stand in the order they act.
-Quaternion compose(Quaternion const& first, Quaternion const& then) {
-    auto const& [ax, ay, az, aw] = then;
-    auto const& [bx, by, bz, bw] = first;
-    return normalized({aw * bx + ax * bw + ay * bz - az * by, aw * by + ay * bw + az * bx - ax * bz,
-                       aw * bz + az * bw + ax * by - ay * bx, aw * bw - ax * bx - ay * by - az * bz});
-}
-
 Quaternion twist(double angle) {
     auto const [s, c] = sinCos(angle / 2);
     return {s, 0, 0, c};
@@ -148,6 +133,13 @@ Rotation multiply(Rotation const& first, Rotation const& second) {
     return out;
 }
 
+Quaternion normalized(Quaternion const& q) {
+    double const length = lengthOf(q.x, q.y, q.z, q.w);
+    if (!(length > 0 && std::isfinite(length))) return {};
+    double const f = (q.w < 0 ? -1 : 1) / length;
+    return {q.x * f, q.y * f, q.z * f, q.w * f};
+}
+
 Rotation fromQuaternion(Quaternion const& raw) {
     auto const [x, y, z, w] = normalized(raw);
     return {{{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (x * z - w * y)},
@@ -227,7 +219,7 @@ Triple toEuler(Rotation const& rotation, int order) {
 }
 
 Quaternion fromTwistSwing(Triple const& v) {
-    return compose(twist(v.x), fromAxisAngle({0, v.y, v.z}, lengthOf(v.y, v.z)));
+    return normalized(multiply(twist(v.x), fromAxisAngle({0, v.y, v.z}, lengthOf(v.y, v.z))));
 }
 
 Triple toTwistSwing(Quaternion const& q) {
@@ -240,7 +232,7 @@ Triple toTwistSwing(Quaternion const& q) {
 
 Quaternion fromTwistSwingAngles(Triple const& v) {
     double const y = std::tan(v.y / 4), z = std::tan(v.z / 4), square = y * y + z * z;
-    return compose(twist(v.x), normalized({0, 2 * y, 2 * z, 1 - square}));
+    return normalized(multiply(twist(v.x), normalized({0, 2 * y, 2 * z, 1 - square})));
 }
 
 Triple toTwistSwingAngles(Quaternion const& q) {

@@ -37,6 +37,19 @@ Rotation completed(float const (&m)[4][4]);
 void store(Rotation const& r, float (&m)[4][4]);
 Rotation multiply(Rotation const& first, Rotation const& second);
 
+// The same rotation of unit length, w >= 0; the identity for what has no direction.
+Quaternion normalized(Quaternion const& q);
+// The product as it is, not normalised. Hamilton's turns by its right factor first; here, as with matrices, the
+// arguments stand in the order they act.
+inline Quaternion multiply(Quaternion const& first, Quaternion const& second) {
+    auto const& [ax, ay, az, aw] = second;
+    auto const& [bx, by, bz, bw] = first;
+    return {aw * bx + ax * bw + ay * bz - az * by, aw * by + ay * bw + az * bx - ax * bz,
+            aw * bz + az * bw + ax * by - ay * bx, aw * bw - ax * bx - ay * by - az * bz};
+}
+// The inverse, of a unit quaternion.
+inline Quaternion conjugate(Quaternion const& q) { return {-q.x, -q.y, -q.z, q.w}; }
+
 Rotation fromQuaternion(Quaternion const& q);
 // Shepperd, "Quaternion from rotation matrix", Journal of Guidance and Control 1 (1978).
 Quaternion toQuaternion(Rotation const& r);
