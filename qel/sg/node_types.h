@@ -2,6 +2,7 @@
 // what computes.
 #pragma once
 #include "qel/sg/animation_node.h"
+#include "qel/sg/ik_solver_node.h"
 #include "qel/sg/matrix_conversion_node.h"
 #include "qel/sg/selection_node.h"
 #include "qel/sg/trajectory_node.h"
@@ -28,7 +29,6 @@ SG_NODE_TYPE(CharacterNode, TransformNode, L"Character")
 SG_NODE_TYPE(KinematicsCharacterNode, TransformNode, L"KinematicsCharacter")
 
 // solvers and constraints
-SG_NODE_TYPE(IKSolverNode, Node, L"IKSolver")
 SG_NODE_TYPE(IKHandleNode, TransformNode, L"IKHandle")
 SG_NODE_TYPE(JointIKParamsNode, Node, L"JointIKParams")
 SG_NODE_TYPE(PoleVectorNode, TransformNode, L"PoleVector")
