@@ -11,6 +11,7 @@
 namespace {
 
 using namespace sg;
+using namespace Qelutils::rotation;
 
 constexpr std::size_t count = 10000;
 
