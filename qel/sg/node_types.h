@@ -3,6 +3,7 @@
 #pragma once
 #include "qel/sg/animation_node.h"
 #include "qel/sg/constraint_nodes.h"
+#include "qel/sg/ik_solver_node.h"
 #include "qel/sg/joint_limit_node.h"
 #include "qel/sg/matrix_conversion_node.h"
 #include "qel/sg/rig_nodes.h"
@@ -30,7 +31,6 @@ SG_NODE_TYPE(CharacterNode, TransformNode, L"Character")
 SG_NODE_TYPE(KinematicsCharacterNode, TransformNode, L"KinematicsCharacter")
 
 // solvers and constraints
-SG_NODE_TYPE(IKSolverNode, Node, L"IKSolver")
 SG_NODE_TYPE(IKHandleNode, TransformNode, L"IKHandle")
 SG_NODE_TYPE(JointIKParamsNode, Node, L"JointIKParams")
 SG_NODE_TYPE(RetargetNode, Node, L"Retarget")

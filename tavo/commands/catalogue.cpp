@@ -1,9 +1,11 @@
 #include "tavo/commands/catalogue.h"
+#include "tavo/commands/constraint_commands.h"
 #include "tavo/commands/creation_commands.h"
 #include "tavo/commands/edit_commands.h"
 #include "tavo/commands/file_commands.h"
 #include "tavo/commands/rig_commands.h"
 #include "tavo/commands/selection_commands.h"
+#include "tavo/commands/skeleton_commands.h"
 #include "tavo/commands/tool_commands.h"
 #include "tavo/commands/trajectory_commands.h"
 #include "tavo/commands/transport.h"
@@ -44,8 +46,12 @@ void XCommandCatalogue::Register(XDatabase& settings) {
     // edits of the selected objects
     registerAll<XDeleteDef, XRemoveDef, XParentDef, XUnparentDef, XCopyDef, XPasteDef, XGroupDef, XSetKeyDef,
                 XAlignAxisDef, XFreezeTransformDef>(settings);
+    // characters and limits
+    registerAll<XCharacterizeDef, XAlignJointLimitDef, XAlignHingeOffsetDef>(settings);
     // new objects
-    registerAll<XCreateTransformDef, XCreateJointDef, XCreatePrimitiveDef>(settings);
+    registerAll<XCreateTransformDef, XCreateJointDef, XCreateJointLimitDef, XCreatePrimitiveDef>(settings);
+    registerAll<XCreateKinematicsConstraintDef, XCreateAimConstraintDef, XCreateSkeletalConstraintDef,
+                XCreatePoleVectorDef>(settings);
     // trajectories
     registerAll<XGenerateTrajectoryDef, XSampleTrajectoryUniformlyDef, XSampleTrajectoryAdaptivelyDef,
                 XFitTrajectoryDef, XToSplineTrajectoryDef>(settings);

@@ -1,5 +1,6 @@
 #include "tavo/commands/creation_commands.h"
 #include "tavo/commands/selected.h"
+#include "tavo/kinematics/character.h"
 
 namespace Tavo {
 
@@ -24,7 +25,9 @@ void XCreateJoint::onRun() {
     XTransform const parent = firstSelectedTransform();
     if (parent.IsValid())
         created.SetParent(parent, false, false);
-    else if (!Characterize().Boolean())
+    else if (Characterize().Boolean())
+        XTransform(created).Characterize().IsEditable().SetBoolean(true);
+    else
         created.SetParent(Scene().RootObject(), false, false);
     CopyParametersTo(created);
     created.SetName(XJoint::DefaultName);

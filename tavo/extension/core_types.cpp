@@ -7,6 +7,7 @@
 #include "tavo/interaction/selection.h"
 #include "tavo/interaction/tool.h"
 #include "tavo/interaction/viewport_settings.h"
+#include "tavo/kinematics/aim_constraint.h"
 #include "tavo/kinematics/camera.h"
 #include "tavo/kinematics/character.h"
 #include "tavo/kinematics/ik_handle.h"
@@ -14,6 +15,8 @@
 #include "tavo/kinematics/joint.h"
 #include "tavo/kinematics/joint_ik_params.h"
 #include "tavo/kinematics/joint_limit.h"
+#include "tavo/kinematics/kinematics_character.h"
+#include "tavo/kinematics/kinematics_constraint.h"
 #include "tavo/kinematics/light.h"
 #include "tavo/kinematics/matrix_conversion.h"
 #include "tavo/kinematics/mesh_instance.h"
@@ -45,6 +48,7 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
     registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef,
                 XMatrixConversionDef>(database);
     registerAll<XJointIKParamsDef, XRetargetDef, XJointRetargetParamsDef>(database);
+    registerAll<XKinematicsCharacterDef, XKinematicsConstraintDef, XAimConstraintDef>(database);
     // physics
     registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
                 XPhysicsMeshInstanceDef>(database);

@@ -32,6 +32,7 @@ private:
     int listChain(XTransform const& effector);  // the number of the effector's joint
     void readJoints();
     void driveJoints();
+    void followTransform(int transform);
     void feedParameters(int joint);
 
     XTransform root() const { return XTransform(_roots.front()); }
@@ -39,8 +40,8 @@ private:
 
     XIKSolver _solver;
     XScene& _scene;
-    Objects _roots;      // the topmost first
-    Objects _effectors;  // those with handles first, in the order of the handles
+    Objects _roots;          // the topmost first
+    XObjectList _effectors;  // those with handles first, in the order of the handles
     std::vector<bool> _primary;
     XObjectList _joints;
     std::vector<int> _parents;  // of each joint its parent's number

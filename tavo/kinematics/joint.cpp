@@ -1,4 +1,6 @@
 #include "tavo/kinematics/joint.h"
+#include "tavo/kinematics/character.h"
+#include "tavo/kinematics/kinematics_character.h"
 
 namespace Tavo {
 
@@ -8,7 +10,18 @@ int XJoint::ChildJointCount() const {
     return int(joints.size());
 }
 
-bool XJoint::IsTerminatingJoint() const { return ChildJointCount() == 0; }
+bool XJoint::IsCharacterRootJoint() const {
+    return IsValid() && Character().KinematicsCharacter().CharacterRoot() == *this;
+}
+
+bool XJoint::IsTerminatingJoint() const { return !IsCharacterRootJoint() && ChildJointCount() == 0; }
+
+bool XJoint::IsIntermediateJoint() const { return !IsCharacterRootJoint() && !IsTerminatingJoint(); }
+
+void XJoint::onDelete() {
+    DeleteJointLimit();
+    XTyped::onDelete();
+}
 
 void XJoint::onInitialize() {
     XTyped::onInitialize();

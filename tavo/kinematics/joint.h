@@ -4,6 +4,8 @@
 
 namespace Tavo {
 
+class XJointLimit;
+
 class XJoint : public XTyped<XJoint, XTransform, sg::JointNode> {
 public:
     static constexpr XWord TypeID = L"Joint", DefaultName = L"joint";
@@ -24,7 +26,24 @@ public:
     XJoint ParentJoint() const { return XJoint(Parent()); }
     void ChildJoints(Qelutils::Vector<XObject>& out) const { ChildObjects(out, TypeID, IsObjectType); }
     int ChildJointCount() const;
-    bool IsTerminatingJoint() const;
+    // The first joint of a character is none of the other two; every other joint is one of them.
+    bool IsCharacterRootJoint() const;
+    bool IsTerminatingJoint() const;  // without child joints
+    bool IsIntermediateJoint() const;
+
+    // ---- the limit: at most one, beside the joint ----
+    XJointLimit JointLimit() const;  // invalid without one
+    bool HasJointLimit() const;
+    // A new limit where the joint is, below the joint's parent, that follows the joint's translation and points its X
+    // axis at the first child. Invalid for a joint that has one already, and for an object of a derived type.
+    XJointLimit CreateJointLimit();
+    // Makes `limit` the limit of this joint instead of any other; its moving frame keeps its place in the world. An
+    // invalid limit only takes the old one away. Gives `limit` back.
+    XJointLimit& AssignJointLimit(XJointLimit& limit);
+    XJoint& ClearJointLimit();   // lets go of it; the object stays
+    XJoint& DeleteJointLimit();  // with the object
+
+    void onDelete() override;  // its limit goes with it
     void onInitialize() override;
 };
 using XJointDef = XTypedDef<XJoint>;

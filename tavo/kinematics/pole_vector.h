@@ -16,7 +16,8 @@ public:
     TAVO_ATTRIBUTE(EndEffector, 52)   // reference; of a control pole
     TAVO_ATTRIBUTE(Enabled, 53)
     TAVO_ATTRIBUTE(Weight, 54)
-    TAVO_ATTRIBUTE(PoleVector, 55)  // matrix, output
+    TAVO_ATTRIBUTE(PoleVector, 55)        // matrix, output
+    TAVO_ATTRIBUTE(SpaceWorldMatrix, 56)  // input: of the space in which the pole vector is given
 
     void onInitialize() override;
 };

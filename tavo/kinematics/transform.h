@@ -14,6 +14,7 @@
 
 namespace Tavo {
 
+class XCharacter;
 class XTrajectory;
 
 enum XDirection : int { XAxis = 0, YAxis = 1, ZAxis = 2 };
@@ -130,6 +131,11 @@ public:
     XTransform& AlignAxis(XDirection direction, XAlignmentMode mode);
     XTransform& AlignAxis(std::wstring const& axis, XAlignmentMode mode);  // "XAxis", "YAxis", "ZAxis"
 
+    // The character that this stands in, or else a new one with this below it: where it was in the world, among the
+    // kinematic or, if it is a physics joint, among the physics parts. Invalid for what stays where it is, as the
+    // scene's origin does. Defined with physics.
+    XCharacter Characterize();
+
     // ---- animation ----
     bool IsAnimated() const;
     XTransform& ClearAnimation();                 // of translation and rotation
@@ -145,7 +151,8 @@ public:
     // Sets a key at the current time when the attribute is one of the rotation channels; otherwise false.
     bool SetRotationKeyframe(XAttribute& attribute);
     bool SetRotationKeyframe(XAttribute& attribute, XKeyframe& key);
-    XTransform& AutoSetKeyframe();  // what the active tool changes
+    // What the active tool changes, on what it changes: a character may pass on the edits of its parts.
+    XTransform& AutoSetKeyframe();
     // A new path below the origin through where this object is over the scene's time, two samples a frame and without
     // the end itself; no keys when the scene has no duration. The time stays as it was. Defined with trajectories.
     XTrajectory CreateTrajectory() const;
@@ -179,6 +186,8 @@ private:
     bool overwriteKeys(int first, XVector3 const& value, int index);
     int rotationGroupOf(XAttribute const& attribute) const;
     XKeyframe setQuaternionKey(int first);
+    void setKeys(int first);
+    void setRotationKeys();
     void clearChannels(int first);
     void initializeChannels(int first, int count, float start, float step, XVector3 const& value);
     struct Sample {

@@ -1,5 +1,5 @@
 // Turning a transform so that one of its axes points at its children.
-#include "tavo/kinematics/transform.h"
+#include "tavo/kinematics/alignment.h"
 #include "tavo/objects/scene.h"
 
 namespace Tavo {
@@ -10,6 +10,29 @@ XVector3 axisOf(XMatrix const& m, XDirection direction) {
 }
 
 }  // namespace
+
+std::optional<XDirection> alignment::directionOf(std::wstring const& axis) {
+    constexpr XWord names[] = {L"XAxis", L"YAxis", L"ZAxis"};
+    for (int i = 0; i < 3; ++i)
+        if (names[i] == axis) return XDirection(i);
+    return {};
+}
+
+XVector3 alignment::targetOf(Qelutils::Vector<XObject> const& children, XAlignmentMode mode) {
+    if (mode == AlignToFirstChild) return XTransform(children.front()).WorldTranslation();
+    return mode == AlignToChildAverage ? XTransform::calculateAverageTranslation(children) : XVector3();
+}
+
+bool alignment::turnAxis(XMatrix& frame, XDirection direction, XVector3 const& target) {
+    XVector3 const position = frame.Translation();
+    XVector3 const axis = axisOf(frame, direction).Normalize();
+    XVector3 const wanted = XVector3().Subtract(target, position).Normalize();
+    float const angle = wanted.RelativeAngle(axis);
+    if (angle == 0) return false;
+    frame.Multiply(XMatrix(XVector3().CrossProduct(wanted, axis).Normalize(), -angle));
+    frame.SetTranslation(position);
+    return true;
+}
 
 XVector3 XTransform::calculateAverageTranslation(Qelutils::Vector<XObject> const& transforms) {
     XVector3 sum;
@@ -28,10 +51,7 @@ XTransform& XTransform::AlignAxis(XDirection direction, XAlignmentMode mode) {
         XTransform const root = above.IsValid() ? above : *this;
         Scene().ClearAnimation(root);
         Scene().DisconnectAnimation(root);
-        XVector3 target;
-        if (mode == AlignToFirstChild) target = XTransform(children.front()).WorldTranslation();
-        if (mode == AlignToChildAverage) target = calculateAverageTranslation(children);
-        if (!turnAxisTo(direction, target, descendants)) return *this;
+        if (!turnAxisTo(direction, alignment::targetOf(children, mode), descendants)) return *this;
         FreezeRotation();
     }
     Scene().UpdateDisplay();
@@ -44,23 +64,16 @@ bool XTransform::turnAxisTo(XDirection direction, XVector3 const& target,
     Qelutils::Vector<XMatrix> places;
     for (XObject const& object : descendants) places.push_back(XTransform(object).WorldMatrix().Matrix());
     XMatrix world = WorldMatrix().Matrix();
-    XVector3 const position = world.Translation();
-    XVector3 const axis = axisOf(world, direction).Normalize();
-    XVector3 const wanted = XVector3().Subtract(target, position).Normalize();
-    float const angle = wanted.RelativeAngle(axis);
-    if (angle == 0) return false;
-    world.Multiply(XMatrix(XVector3().CrossProduct(wanted, axis).Normalize(), -angle));
-    SetWorldMatrix(world.SetTranslation(position), UpdateAll);
+    if (!alignment::turnAxis(world, direction, target)) return false;
+    SetWorldMatrix(world, UpdateAll);
     for (std::size_t i = 0; i < descendants.size(); ++i)
         XTransform(descendants[i]).SetWorldMatrix(places[i], UpdateAll);
     return true;
 }
 
 XTransform& XTransform::AlignAxis(std::wstring const& axis, XAlignmentMode mode) {
-    constexpr XWord names[] = {L"XAxis", L"YAxis", L"ZAxis"};
-    for (int i = 0; i < 3; ++i)
-        if (names[i] == axis) return AlignAxis(XDirection(i), mode);
-    return *this;
+    std::optional<XDirection> const direction = alignment::directionOf(axis);
+    return direction ? AlignAxis(*direction, mode) : *this;
 }
 
 }  // namespace Tavo

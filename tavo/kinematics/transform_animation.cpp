@@ -1,6 +1,6 @@
 // Curves and keys of a transform, and baking another one's motion into it.
 #include "tavo/animation/animation.h"
-#include "tavo/kinematics/transform.h"
+#include "tavo/kinematics/character.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/units.h"
 #include <cmath>
@@ -156,19 +156,34 @@ int XTransform::rotationGroupOf(XAttribute const& attribute) const {
 }
 
 XTransform& XTransform::AutoSetKeyframe() {
-    auto setKeys = [&](int first) {
-        for (int axis = 0; axis < 3; ++axis) channel(first, axis).SetKeyframe();
-    };
+    XTransform edited(*this);
+    XCharacter character = Character();
+    bool const hasCharacter = character.IsValid();
     switch (Scene().ActiveToolIndex()) {
-    case MoveTool: setKeys(Node::Translation); break;
-    case RotateTool:
-        if (RotationInterpolation().Enumeration() == QuaternionInterpolation) setQuaternionKey(Node::Rotation);
-        if (RotationInterpolation().Enumeration() == EulerInterpolation) setKeys(Node::Rotation);
+    case MoveTool:
+        if (hasCharacter) character.OnBeginMove(edited);
+        edited.setKeys(Node::Translation);
         break;
-    case ScaleTool: setKeys(Node::Scale); break;
+    case RotateTool:
+        if (hasCharacter) character.OnBeginRotate(edited);
+        edited.setRotationKeys();
+        break;
+    case ScaleTool:
+        if (hasCharacter) character.OnBeginScale(edited);
+        edited.setKeys(Node::Scale);
+        break;
     default: break;
     }
     return *this;
+}
+
+void XTransform::setKeys(int first) {
+    for (int axis = 0; axis < 3; ++axis) channel(first, axis).SetKeyframe();
+}
+
+void XTransform::setRotationKeys() {
+    if (RotationInterpolation().Enumeration() == EulerInterpolation) return setKeys(Node::Rotation);
+    if (IsValid() && RotationInterpolation().Enumeration() == QuaternionInterpolation) setQuaternionKey(Node::Rotation);
 }
 
 // ---- keys in whole ----

@@ -19,6 +19,7 @@ namespace Tavo {
 
 class XAnimation;
 class XAttribute;
+class XCharacter;
 class XDatabase;
 class XDisplayGroup;
 class XMatrix;
@@ -125,6 +126,7 @@ public:
     XObject FindParentObject(std::wstring const& type, XComparisonMode mode) const;      // the nearest
     virtual XObject FindAncestor(std::wstring const& type, XComparisonMode mode) const;  // the farthest
     XObject FindChildObject(std::wstring const& type, XComparisonMode mode) const;
+    XCharacter Character() const;  // itself or the nearest above; defined on the kinematics floor
 
     // ---- attributes; an unknown name or index gives an invalid handle ----
     XAttribute Attribute(int index) const;

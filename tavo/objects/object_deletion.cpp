@@ -1,5 +1,6 @@
 // How an object goes, and what goes with it. Hierarchies and chains of inputs may be of any depth: what is under way is
 // kept in a list and not on the call stack.
+#include "qel/sg/transform_node.h"
 #include "tavo/app/application.h"
 #include "tavo/objects/attribute.h"
 #include "tavo/objects/database.h"
@@ -95,7 +96,11 @@ XObject& XObject::DeleteChildObjects() {
     return *this;
 }
 
-bool XObject::isUnconnected() const { return AttributeCount() > 0 && !HasInputAttributes() && !HasOutputAttributes(); }
+// What has a place in space is tied to what stands above and below it: it never goes for having fed something.
+bool XObject::isUnconnected() const {
+    if (isNodeOfType(sg::TransformBaseNode::Def)) return false;
+    return AttributeCount() > 0 && !HasInputAttributes() && !HasOutputAttributes();
+}
 
 void XObject::DeleteIfUnconnected() {
     if (isUnconnected()) Delete();

@@ -2,6 +2,8 @@
 
 namespace Tavo {
 
+XTransform XPhysicsConstraint::PhysicsConstraintTarget() const { return XTransform(TargetInputMatrix().InputObject()); }
+
 void XPhysicsConstraint::onInitialize() {
     XTyped::onInitialize();
     initializeAs(DefaultName, DefaultColour);

@@ -40,6 +40,8 @@ public:
     TAVO_ATTRIBUTE(SpeedLimit, 75)
     TAVO_ATTRIBUTE(RelativeSpeedLimit, 76)
 
+    XTransform PhysicsConstraintTarget() const;  // what feeds TargetInputMatrix; invalid when nothing does
+
     void onInitialize() override;
 };
 using XPhysicsConstraintDef = XTypedDef<XPhysicsConstraint>;

@@ -1,6 +1,11 @@
 #include "tavo/physics/physics_joint.h"
+#include "tavo/physics/physics_constraint.h"
 
 namespace Tavo {
+
+XPhysicsConstraint XPhysicsJoint::PhysicsConstraint() const {
+    return XPhysicsConstraint(FindChildObject(XPhysicsConstraint::TypeID, IsObjectType));
+}
 
 void XPhysicsJoint::onInitialize() {
     XTyped::onInitialize();

@@ -5,6 +5,8 @@
 
 namespace Tavo {
 
+class XPhysicsConstraint;
+
 class XPhysicsJoint : public XTyped<XPhysicsJoint, XJoint, sg::PhysicsJointNode> {
 public:
     static constexpr XWord TypeID = L"PhysicsJoint", DefaultName = L"physicsJoint",
@@ -43,6 +45,8 @@ public:
     TAVO_ATTRIBUTE(DriveInputMatrix, 81)
     TAVO_ATTRIBUTE(DriveOutputMatrix, 82)
     TAVO_ATTRIBUTE(ShowActiveDrive, 83)
+
+    XPhysicsConstraint PhysicsConstraint() const;  // the first; invalid without one
 
     void onInitialize() override;
 

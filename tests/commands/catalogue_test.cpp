@@ -30,6 +30,24 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
                                                       L"SampleTrajectoryAdaptively",
                                                       L"FitTrajectory",
                                                       L"ToSplineTrajectory",
+                                                      L"CreateIKRig",    // two roots without effectors
+                                                      L"SetIKBindPose",  // no rig
+                                                      L"ClearLastIKBindPose",
+                                                      L"ClearAllIKBindPoses",
+                                                      L"SetIKRootJoints",
+                                                      L"SetIKEndEffectors",
+                                                      L"SetIKPoleVectorPairs",
+                                                      L"RetargetDetach",
+                                                      L"RetargetSetJointsToOrigin",
+                                                      L"RetargetSetJointOrigins",
+                                                      L"RetargetSetJointReferent",
+                                                      L"RetargetSetJointReferentToWorld",
+                                                      L"RetargetResetJointReferents",
+                                                      L"AlignJointLimit",
+                                                      L"AlignHingeOffset",
+                                                      L"CreateAimConstraint",       // of three transforms
+                                                      L"CreateSkeletalConstraint",  // no namesakes
+                                                      L"CreatePoleVector",          // of one branch
                                                       L"ZoomToFit",
                                                       L"ImportFile",  // without dialogs
                                                       L"ExportFile",
@@ -214,6 +232,14 @@ TEST_F(Catalogue, EachCommandHasItsNodeAndTellsWhatItDoes) {
                                 L"SetKey",
                                 L"AlignAxis",
                                 L"FreezeTransform",
+                                L"Characterize",
+                                L"AlignJointLimit",
+                                L"AlignHingeOffset",
+                                L"CreateJointLimit",
+                                L"CreateKinematicsConstraint",
+                                L"CreateAimConstraint",
+                                L"CreateSkeletalConstraint",
+                                L"CreatePoleVector",
                                 L"GenerateTrajectory",
                                 L"SampleTrajectoryUniformly",
                                 L"SampleTrajectoryAdaptively",
@@ -267,9 +293,32 @@ TEST_F(Catalogue, ParametersStandAtTheirNumbersWithTheirDefaults) {
                                {38, L"AxesStyle", 0}});
     std::vector<Row> plain = transform;
     plain.push_back({11, L"TranslationX", 0});
+    std::vector<Row> limit = plain;
+    limit.insert(limit.end(), {{33, L"InitialRotation", 0},
+                               {34, L"MovingOffsetX", 0},
+                               {35, L"MovingOffsetY", 0},
+                               {36, L"MovingOffsetZ", 0},
+                               {37, L"LimitType", 0},
+                               {38, L"Swing1Active", 1},
+                               {39, L"Swing1Angle", 0.7853982f},
+                               {40, L"Swing2Active", 1},
+                               {41, L"Swing2Angle", 0.7853982f},
+                               {42, L"TwistActive", 1},
+                               {43, L"TwistAngle", 1.5707964f},
+                               {44, L"TwistOffset", 0},
+                               {45, L"SoftSwingActive", 0},
+                               {46, L"SoftSwing1Ratio", 0.7f},
+                               {47, L"SoftSwing2Ratio", 0.7f},
+                               {48, L"SoftTwistActive", 0},
+                               {49, L"SoftTwistRatio", 0.7f},
+                               {51, L"ShowFixedAxes", 0},
+                               {52, L"ShowMovingAxes", 0}});
     std::map<std::wstring, std::vector<Row>> const table = {
         {L"CreateTransform", plain},
         {L"CreateJoint", joint},
+        {L"CreateJointLimit", limit},
+        {L"AlignJointLimit", {{8, L"JointLimitAxis", 0}, {9, L"AlignmentDirection", 0}}},
+        {L"CreateKinematicsConstraint", {{8, L"LockTranslation", 1}, {9, L"LockRotation", 1}}},
         {L"CreateShape",
          {{8, L"Visible", 1},
           {10, L"ShowHierarchy", 1},

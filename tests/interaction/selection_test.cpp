@@ -247,14 +247,29 @@ TEST_F(Selection, WhatIsInvalidOrNoSceneObjectSupportsSelection) {
     EXPECT_TRUE(selection().supportsSelection());
 }
 
+template<class Self> struct PlainNode : sg::TransformNode {
+    explicit PlainNode(db::NodeDef const& def = Self::Def) : sg::TransformNode(def) {}
+    static db::Node* make(void* at, db::NodeDef const& def) { return new (at) Self(def); }
+};
+struct FickleNode : PlainNode<FickleNode> {
+    using PlainNode::PlainNode;
+    static inline std::wstring const ClassID = L"Fickle";
+    static inline db::NodeDef const Def{L"sg", L"Fickle", &sg::TransformNode::Def, {}, sizeof(PlainNode), make};
+};
+struct DocileNode : PlainNode<DocileNode> {
+    using PlainNode::PlainNode;
+    static inline std::wstring const ClassID = L"Docile";
+    static inline db::NodeDef const Def{L"sg", L"Docile", &sg::TransformNode::Def, {}, sizeof(PlainNode), make};
+};
+
 // A type of which some objects may be selected and others not, behind a definition of its own.
-class Fickle : public XTyped<Fickle, XTransform, sg::JointRetargetParamsNode> {
+class Fickle : public XTyped<Fickle, XTransform, FickleNode> {
 public:
     static constexpr XWord TypeID = L"Fickle";
     using XTyped::XTyped;
     bool supportsSelection() const override { return Name() != L"shy"; }
 };
-class Docile : public XTyped<Docile, XTransform, sg::KinematicsCharacterNode> {
+class Docile : public XTyped<Docile, XTransform, DocileNode> {
 public:
     static constexpr XWord TypeID = L"Docile";
     using XTyped::XTyped;

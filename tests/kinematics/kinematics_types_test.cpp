@@ -10,10 +10,13 @@ TEST_F(KinematicsTypes, AreValidOnTheirOwnNodesAlone) {
     expectType<XCharacter>(scene(), L"Character", L"Character");
     expectType<XIKHandle>(scene(), L"IKHandle", L"IKHandle");
     expectType<XIKSolver>(scene(), L"IKSolver", L"IKSolver");
+    expectType<XJointIKParams>(scene(), L"JointIKParams", L"JointIKParams");
     expectType<XJointLimit>(scene(), L"JointLimit", L"JointLimit");
+    expectType<XJointRetargetParams>(scene(), L"JointRetargetParams", L"JointRetargetParams");
     expectType<XMeshInstance>(scene(), L"MeshInstance", L"MeshInstance");
     expectType<XPoleVector>(scene(), L"PoleVector", L"PoleVector");
     expectType<XPrimitive>(scene(), L"Shape", L"Primitive");
+    expectType<XRetarget>(scene(), L"Retarget", L"Retarget");
 }
 
 // clang-format off
@@ -47,6 +50,32 @@ TEST_F(KinematicsTypes, XIKSolverHasItsAttributesAtTheirNumbers) {
         TAVO_NUMBER(o, 27, MoreBias), TAVO_NUMBER(o, 28, ReverseBias), TAVO_NUMBER(o, 29, PositionAccuracy),
         TAVO_NUMBER(o, 30, OrientationAccuracy), TAVO_NUMBER(o, 31, DisableAllLimits),
         TAVO_NUMBER(o, 32, IKHandleParams), TAVO_NUMBER(o, 33, JointIKParams), TAVO_NUMBER(o, 34, AssociatedObjects),
+    });
+}
+
+TEST_F(KinematicsTypes, XJointIKParamsHasItsAttributesAtTheirNumbers) {
+    XJointIKParams const o = makeObject<XJointIKParams>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 8, Parameters),
+    });
+}
+
+TEST_F(KinematicsTypes, XJointRetargetParamsHasItsAttributesAtTheirNumbers) {
+    XJointRetargetParams const o = makeObject<XJointRetargetParams>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 51, Parameters),
+    });
+}
+
+TEST_F(KinematicsTypes, XRetargetHasItsAttributesAtTheirNumbers) {
+    XRetarget const o = makeObject<XRetarget>(scene());
+    expectNumbers(o, {
+        TAVO_NUMBER(o, 1, AllowCompute), TAVO_NUMBER(o, 8, SourceJoints), TAVO_NUMBER(o, 9, TargetJoints),
+        TAVO_NUMBER(o, 10, InputSourceGeometry), TAVO_NUMBER(o, 11, OutputTargetGeometry),
+        TAVO_NUMBER(o, 12, SourceHierarchy), TAVO_NUMBER(o, 13, TargetHierarchy), TAVO_NUMBER(o, 14, Enabled),
+        TAVO_NUMBER(o, 15, DrawDebugLines), TAVO_NUMBER(o, 16, SourceJointParams),
+        TAVO_NUMBER(o, 17, TargetJointParams), TAVO_NUMBER(o, 18, DisableAllLimits),
+        TAVO_NUMBER(o, 19, AssociatedObjects),
     });
 }
 
@@ -105,6 +134,13 @@ TEST_F(KinematicsTypes, ASolverIsLeftAsItsNodeGivesIt) {
     solver.MaxIterations().SetInteger(7);
     solver.Initialize();
     EXPECT_EQ(solver.MaxIterations().Integer(), 7);
+}
+
+TEST_F(KinematicsTypes, ARetargeterMayBeDeletedByTheUser) {
+    XRetarget node = makeObject<XRetarget>(scene());
+    EXPECT_TRUE(node.SupportsDeletion());
+    node.Delete();
+    EXPECT_FALSE(node.IsValid());
 }
 
 TEST_F(KinematicsTypes, ACharacterStaysWhereItIs) {
