@@ -16,7 +16,6 @@ Node::~Node() {
 }
 
 std::uint32_t outputBits(db::Attribute const& a) {
-    if (a.has(db::Attribute::outside)) return 0;
     int const bit = a.getDef().outputBit;
     return bit < 0 ? 0 : a.node().getNodeDef().needs(bit);
 }
