@@ -3,6 +3,7 @@
 #pragma once
 #include "qel/sg/animation_node.h"
 #include "qel/sg/matrix_conversion_node.h"
+#include "qel/sg/retarget_node.h"
 #include "qel/sg/selection_node.h"
 #include "qel/sg/trajectory_node.h"
 #include "qel/sg/transform_node.h"
@@ -32,7 +33,6 @@ SG_NODE_TYPE(IKSolverNode, Node, L"IKSolver")
 SG_NODE_TYPE(IKHandleNode, TransformNode, L"IKHandle")
 SG_NODE_TYPE(JointIKParamsNode, Node, L"JointIKParams")
 SG_NODE_TYPE(PoleVectorNode, TransformNode, L"PoleVector")
-SG_NODE_TYPE(RetargetNode, Node, L"Retarget")
 SG_NODE_TYPE(JointRetargetParamsNode, TransformNode, L"JointRetargetParams")
 SG_NODE_TYPE(KinematicsConstraintNode, Node, L"KinematicsConstraint")
 SG_NODE_TYPE(AimConstraintNode, Node, L"AimConstraint")
