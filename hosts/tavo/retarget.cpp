@@ -1,5 +1,6 @@
-// retarget: two figures in one scene, the rig between them built by the same commands as anywhere, played frame by frame
-// into keys, and taken away again.
+// retarget: two figures in one scene, the rig between them built by the same commands as anywhere, played frame by
+// frame into keys, and taken away again.
+#include "tavo/kinematics/retarget.h"
 #include "hosts/tavo/baking.h"
 #include "hosts/tavo/figures.h"
 #include "hosts/tavo/joint_map.h"
@@ -9,7 +10,6 @@
 #include "plugins/bvh/exporter.h"
 #include "plugins/bvh/scene_notes.h"
 #include "tavo/interaction/selection.h"
-#include "tavo/kinematics/retarget.h"
 
 #include <fmt/format.h>
 

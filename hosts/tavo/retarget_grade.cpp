@@ -91,9 +91,9 @@ void RetargetGrade::finish(double frameTime) {
 
 std::string RetargetGrade::text() const {
     sg::RetargetReport const& r = report_;
-    std::string text = fmt::format("{}: {} of {} joints matched, confidence {:.2f} on the mean, {:.2f} at least\n",
-                                   toUtf8(nameOf(r.verdict)), r.matched, target_.joints.size(), r.meanConfidence,
-                                   r.leastConfidence);
+    std::string text =
+        fmt::format("{}: {} of {} joints matched, confidence {:.2f} on the mean, {:.2f} at least\n",
+                    toUtf8(nameOf(r.verdict)), r.matched, target_.joints.size(), r.meanConfidence, r.leastConfidence);
     for (std::wstring const& reason : r.reasons) text += fmt::format("  {}\n", toUtf8(reason));
     for (Match const& match : matches_)
         text += fmt::format("  {:<20} follows {:<20} {:.2f}  {}\n", match.target, match.source, match.confidence,
@@ -150,8 +150,8 @@ void checkGates(RetargetVerb const& verb, sg::RetargetReport const& report) {
     atMost(verb.maxSlide, report.slide.largest, "a foot slides");
     atMost(verb.maxPenetration, report.depth, "a foot goes below the ground by");
     if (verb.minConfidence && !(report.meanConfidence >= *verb.minConfidence))
-        missed.push_back(fmt::format("matches are sure to {:.2f}, less than {}", report.meanConfidence,
-                                     *verb.minConfidence));
+        missed.push_back(
+            fmt::format("matches are sure to {:.2f}, less than {}", report.meanConfidence, *verb.minConfidence));
     if (report.verdict == sg::RetargetVerdict::Failed && !report.reasons.empty())
         throw Failure{ExitCode::failed, toUtf8(report.reasons.front()) + "; nothing is written"};
     if (!missed.empty())

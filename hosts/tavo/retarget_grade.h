@@ -1,5 +1,5 @@
-// How good a retargeted motion is: what the rig matched, and what became of the motion while it was played. The measures
-// and the verdict are those of qel/solvers/retarget_report.h.
+// How good a retargeted motion is: what the rig matched, and what became of the motion while it was played. The
+// measures and the verdict are those of qel/solvers/retarget_report.h.
 #pragma once
 #include "hosts/tavo/rig_verbs.h"
 #include "qel/solvers/retarget_report.h"

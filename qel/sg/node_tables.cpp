@@ -217,7 +217,8 @@ constexpr Rows retargetRows = {
     attributeArray(17, L"TargetJointParams", retargetParameterElement).affects(rerigged),
     boolean(18, L"DisableAllLimits").affects(retargeted), array(19, L"AssociatedObjects", T::PointerArray),
     boolean(20, L"Prepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(1).affects(retargeted),
-    boolean(21, L"Solved").with(FlagInternal | FlagHidden | FlagUnsaved).output(0).doc(L"Stands for all elements of the output."),
+    array(21, L"MappedSources", T::IntegerArray).affects(rerigged).doc(L"Numbers of source joints that are matched as told; the others are matched by themselves."),
+    array(22, L"MappedTargets", T::IntegerArray).affects(rerigged).doc(L"The target joint of each."),
 };
 static_assert(isSound(retargetRows, 1));
 constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetParameterRows)};

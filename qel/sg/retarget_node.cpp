@@ -132,6 +132,7 @@ void RetargetNode::prepare() {
     match_ = {};
     match_.source = rig_.source = &source_;
     match_.target = rig_.target = &target_;
+    readMap();
     match_.Run();
     rig_.matches = match_.matches;
     rig_.sourceOptions = sources;
@@ -139,6 +140,16 @@ void RetargetNode::prepare() {
     rig_.Run();
     input_.resize(source_.size());
     output_.resize(target_.size());
+}
+
+void RetargetNode::readMap() {
+    std::vector<int> const &sources = at<db::IntArrayAttribute>(MappedSources).raw(),
+                           &targets = at<db::IntArrayAttribute>(MappedTargets).raw();
+    map_.clear();
+    for (std::size_t i = 0; i < std::min(sources.size(), targets.size()); ++i)
+        map_.emplace_back(sources[i], targets[i]);
+    match_.given = map_;
+    if (!match_.Validate()) match_.given = {};
 }
 
 // The matrices of a frame alone do not ask for a new rig, but another number of them does.

@@ -2,6 +2,9 @@
 // come out. The method is that of qel/solvers: joints are matched by skeleton_match.h, from their names and their
 // origins, and frames computed by retarget.h. The table says what each parameter of a joint means.
 //
+// Pairs that are given are matched as they are; a map that names a joint that is not there, or one twice, counts for
+// nothing.
+//
 // What is made of the parameters is kept beside the node's block until one of them changes; a frame reads the matrices
 // only. A parent that does not stand before its joint counts as none, what is not finite as its default, so that any
 // document gives finite matrices. While computing is not allowed the outputs stay as they are; a node that is not
@@ -29,6 +32,8 @@ public:
         TargetJointParams = 17,
         DisableAllLimits = 18,
         Prepared = 20,
+        MappedSources = 21,
+        MappedTargets = 22,
     };
     // The parts of a joint's parameters.
     enum Part : int {
@@ -71,10 +76,12 @@ public:
 private:
     db::AttributeArray& elements(int number) const { return at<db::AttributeArray>(number); }
     void prepare();
+    void readMap();
     void solve();
     void readGeometry();
 
     Skeleton source_, target_;
+    std::vector<JointPair> map_;
     SkeletonMatch match_;
     RetargetRig rig_;
     Retarget frame_;
