@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <set>
 #include <sstream>
 
 namespace host {
@@ -60,12 +61,11 @@ std::vector<JointMapLine> readMap(std::string const& file) {
 void applyMap(XRetarget const& rig, std::vector<JointMapLine> const& lines) {
     static std::wstring const label = L"Map joints";
     std::vector<std::wstring> const sources = namesOf(rig.SourceJoints()), targets = namesOf(rig.TargetJoints());
-    std::vector<bool> used(targets.size()), usedSource(sources.size());
+    std::set<int> used, usedSource;
     XChangeBlock const block(rig.Database(), label);
     for (JointMapLine const& line : lines) {
         int const target = indexOf(targets, line.target, "the figure");
-        if (std::exchange(used[std::size_t(target)], true))
-            throw wrongCall(fmt::format("the map names {} twice", toUtf8(line.target)));
+        if (!used.insert(target).second) throw wrongCall(fmt::format("the map names {} twice", toUtf8(line.target)));
         if (line.source.empty()) {
             XJointRetargetParams const params(
                 rig.TargetJoints().ObjectRef(target).FindChildObject(XJointRetargetParams::TypeID, IsObjectType));
@@ -73,7 +73,7 @@ void applyMap(XRetarget const& rig, std::vector<JointMapLine> const& lines) {
             continue;
         }
         int const source = indexOf(sources, line.source, "the clip");
-        if (std::exchange(usedSource[std::size_t(source)], true))
+        if (!usedSource.insert(source).second)
             throw wrongCall(fmt::format("the map names {} twice", toUtf8(line.source)));
         rig.MappedSources().AddInteger(source);
         rig.MappedTargets().AddInteger(target);
