@@ -187,21 +187,39 @@ constexpr Rows poleVectorRows = {
 };
 static_assert(isSound(poleVectorRows, 51));
 constexpr Rows retargetParameterRows = {
-    text(0, L"JointName"), pointer(1, L"Referent"), matrix(2, L"ReferentMatrix"), matrix(3, L"Origin"), boolean(4, L"HasParent"),
-    enumeration(5, L"Mode", retargetModes, 1), real(6, L"TranslationWeight", 1), real(7, L"RotationWeight", 1), real(8, L"Scale", 1),
-    boolean(9, L"Active", true), real(10, L"OffsetX"), real(11, L"OffsetY"), real(12, L"OffsetZ"),
+    text(0, L"JointName").doc(L"What joints are matched by."),
+    pointer(1, L"Referent").doc(L"The transform in whose frame the motion is copied: the joint itself, or none: its own motion; one that is above all joints: the world's."),
+    matrix(2, L"ReferentMatrix").doc(L"The axes in which the motion is measured, against the world's; the rotation counts."),
+    matrix(3, L"Origin").doc(L"The local matrix in the pose of reference."),
+    boolean(4, L"HasParent").doc(L"False for the first joint of a list."),
+    enumeration(5, L"Mode", retargetModes, 1).doc(L"How far origins correspond. Fixed: as they stand. Auto: arms and legs are turned to point where the source's do. Free: all bones are."),
+    real(6, L"TranslationWeight", 1).range(0, 1).doc(L"Share of the travel, and of what the source adds to its translation."),
+    real(7, L"RotationWeight", 1).range(0, 1).doc(L"0: as the parent carries it. 1: as the source turns."),
+    real(8, L"Scale", 1).doc(L"Of the translation, besides the ratio of the two skeletons."),
+    boolean(9, L"Active", true).doc(L"If not, the joint keeps its origin."),
+    real(10, L"OffsetX").unit(Angular).doc(L"Turned by this at last, about its own axes, X first."), real(11, L"OffsetY").unit(Angular), real(12, L"OffsetZ").unit(Angular),
     enumeration(13, L"LimitType", limitTypes), matrix(14, L"LimitMatrix"), matrix(15, L"MovingOffsetMatrix"),
     boolean(16, L"Swing1Active"), real(17, L"Swing1Angle").unit(Angular), boolean(18, L"Swing2Active"), real(19, L"Swing2Angle").unit(Angular),
     boolean(20, L"TwistActive"), real(21, L"TwistAngle").unit(Angular), real(22, L"TwistOffset").unit(Angular),
 };
 constexpr Rows retargetParameterElement = {compound(0, L"Parameters", retargetParameterRows)};
+using Q = RetargetNode;
+constexpr Rows retargetOutputElement = {matrix(0, L"Matrix").output(0)};
+constexpr std::uint32_t retargeted = Q::geometryBit, rerigged = Q::preparedBit | retargeted;
 constexpr Rows retargetRows = {
-    array(8, L"SourceJoints", T::PointerArray), array(9, L"TargetJoints", T::PointerArray), attributeArray(10, L"InputSourceGeometry", matrixElement),
-    attributeArray(11, L"OutputTargetGeometry", matrixElement), array(12, L"SourceHierarchy", T::IntegerArray),
-    array(13, L"TargetHierarchy", T::IntegerArray), boolean(14, L"Enabled", true), boolean(15, L"DrawDebugLines"),
-    attributeArray(16, L"SourceJointParams", retargetParameterElement), attributeArray(17, L"TargetJointParams", retargetParameterElement),
-    boolean(18, L"DisableAllLimits"), array(19, L"AssociatedObjects", T::PointerArray),
+    boolean(1, L"AllowCompute", true).with(FlagInternal).affects(rerigged).doc(L"False while a rig is rebuilt: the node does not compute."),
+    array(8, L"SourceJoints", T::PointerArray).affects(rerigged), array(9, L"TargetJoints", T::PointerArray).affects(rerigged),
+    attributeArray(10, L"InputSourceGeometry", matrixElement).affects(retargeted).doc(L"Local matrices of the source's joints."),
+    attributeArray(11, L"OutputTargetGeometry", retargetOutputElement).affects(retargeted).doc(L"Local matrices that the target's joints are to have."),
+    array(12, L"SourceHierarchy", T::IntegerArray).affects(rerigged), array(13, L"TargetHierarchy", T::IntegerArray).affects(rerigged),
+    boolean(14, L"Enabled", true).affects(retargeted).doc(L"If not, the target stands at its origins."), boolean(15, L"DrawDebugLines"),
+    attributeArray(16, L"SourceJointParams", retargetParameterElement).affects(rerigged),
+    attributeArray(17, L"TargetJointParams", retargetParameterElement).affects(rerigged),
+    boolean(18, L"DisableAllLimits").affects(retargeted), array(19, L"AssociatedObjects", T::PointerArray),
+    boolean(20, L"Prepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(1).affects(retargeted),
+    boolean(21, L"Solved").with(FlagInternal | FlagHidden | FlagUnsaved).output(0).doc(L"Stands for all elements of the output."),
 };
+static_assert(isSound(retargetRows, 1));
 constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetParameterRows)};
 
 // ---- constraints ----

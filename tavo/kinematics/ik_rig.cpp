@@ -49,7 +49,7 @@ void XIKRig::build(Objects const& roots, Objects const& effectors) {
 
 // The pose of now is asked for before the solver stops.
 void XIKRig::reset() {
-    _solver.OutputGeometry().Attribute(0).Matrix();
+    if (_solver.OutputGeometry().ArraySize() > 0) _solver.OutputGeometry().Attribute(0).Matrix();
     _solver.SetName(XIKSolver::DefaultName);
     _solver.AllowCompute().SetBoolean(false);
     _solver.ContinuousMode().SetBoolean(false);
@@ -111,8 +111,9 @@ void XIKRig::addEffector(XTransform const& chosen) {
 void XIKRig::makePrimary(int effector) {
     if (_primary[std::size_t(effector)]) return;
     _primary[std::size_t(effector)] = true;
-    XIKHandle const promoted = handle(effector);
+    XIKHandle promoted = handle(effector);
     if (!promoted.IsValid()) return;
+    if (!promoted.IsPinned()) promoted.SetWorldMatrix(promoted.EndEffectorTransform().WorldMatrix().Matrix());
     promoted.IsPrimary().SetBoolean(true);
     promoted.SolverParameters().Attribute(Solver::Mode).SetEnumeration(XIKHandle::PositionAndOrientation);
     XPrimitive(promoted.FindChildObject(XPrimitive::TypeID, SupportsObjectType)).Shape().SetEnumeration(0);
