@@ -53,7 +53,7 @@ void XIKRig::reset() {
     _solver.SetName(XIKSolver::DefaultName);
     _solver.AllowCompute().SetBoolean(false);
     _solver.ContinuousMode().SetBoolean(false);
-    for (XAttribute const& array : {_solver.InputGeometry(), _solver.OutputGeometry(), _solver.JointIKParams()})
+    for (XAttribute const& array : {_solver.JointIKParams(), _solver.OutputGeometry(), _solver.InputGeometry()})
         clearConnected(array);
     for (XAttribute array :
          {_solver.JointHierarchy(), _solver.EndEffectorIndexList(), _solver.RootIndexList(), _solver.BindPoses()})

@@ -11,6 +11,8 @@ void XRetarget::Initialise() {
 void XRetarget::onDelete() {
     XTyped::onDelete();
     deleteAssociated(AssociatedObjects());
+    for (XAttribute const& array : {TargetJointParams(), SourceJointParams(), InputSourceGeometry()})
+        disconnectElements(array);
     DisconnectInputAttributes();
 }
 
