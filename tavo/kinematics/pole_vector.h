@@ -1,4 +1,5 @@
-// XPoleVector: the direction in which the middle of a chain bends.
+// XPoleVector: the direction in which the middle of a chain bends. A pole that a command has made follows a referent,
+// which goes with the chain: who wants the pole elsewhere moves the referent.
 #pragma once
 #include "tavo/kinematics/transform.h"
 
@@ -17,6 +18,8 @@ public:
     TAVO_ATTRIBUTE(Enabled, 53)
     TAVO_ATTRIBUTE(Weight, 54)
     TAVO_ATTRIBUTE(PoleVector, 55)  // matrix, output
+
+    XTransform Referent() const;  // invalid when the pole stands free
 
     void onInitialize() override;
 };

@@ -32,6 +32,8 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
                                                       L"ToSplineTrajectory",
                                                       L"AlignJointLimit",
                                                       L"AlignHingeOffset",
+                                                      L"SetConstraintTarget",
+                                                      L"ClearConstraintTarget",
                                                       L"CreateAimConstraint",       // of three transforms
                                                       L"CreateSkeletalConstraint",  // no namesakes
                                                       L"CreatePoleVector",          // of one branch
@@ -222,6 +224,8 @@ TEST_F(Catalogue, EachCommandHasItsNodeAndTellsWhatItDoes) {
                                 L"Characterize",
                                 L"AlignJointLimit",
                                 L"AlignHingeOffset",
+                                L"SetConstraintTarget",
+                                L"ClearConstraintTarget",
                                 L"CreateJointLimit",
                                 L"CreateKinematicsConstraint",
                                 L"CreateAimConstraint",
