@@ -22,6 +22,8 @@ public:
 
     XTransform Referent() const;  // invalid when the pole stands free
 
+    XTransform Referent() const;  // invalid when the pole stands free
+
     void onInitialize() override;
 };
 using XPoleVectorDef = XTypedDef<XPoleVector>;
