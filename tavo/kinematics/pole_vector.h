@@ -22,8 +22,6 @@ public:
 
     XTransform Referent() const;  // invalid when the pole stands free
 
-    XTransform Referent() const;  // invalid when the pole stands free
-
     void onInitialize() override;
 };
 using XPoleVectorDef = XTypedDef<XPoleVector>;
