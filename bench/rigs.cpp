@@ -85,6 +85,31 @@ void retargeting(benchmark::State& state) {
 }
 BENCHMARK(retargeting)->Iterations(3)->Unit(benchmark::kMillisecond);
 
+// A handle is moved by a little and every joint's place is read, as a drag does; against the same reading alone.
+void drag(benchmark::State& state) {
+    Session const session(int(state.range(0)));
+    Session::selectChains();
+    XIKSolver const solver(session.scene().RunCommand(L"CreateIKRig"));
+    XIKHandle handle(solver.IKHandleReferences().ObjectRef(0));
+    Qelutils::Vector<XObject> joints;
+    Session::top(L"first").DescendantObjects(joints, XJoint::TypeID, IsObjectType);
+    auto const readAll = [&] {
+        for (XObject const& joint : joints) benchmark::DoNotOptimize(XTransform(joint).WorldMatrix().Matrix());
+    };
+    std::vector<double> events, readings;
+    int event = 0;
+    for (auto _ : state) {
+        events.push_back(bench::seconds([&] {
+            handle.TranslationX().SetFloat(handle.TranslationX().Float() + (++event % 20 < 10 ? 0.002f : -0.002f));
+            readAll();
+        }));
+        readings.push_back(bench::seconds(readAll));
+    }
+    state.counters["us"] = bench::median(events) * 1e6;
+    state.counters["reading_us"] = bench::median(readings) * 1e6;
+}
+BENCHMARK(drag)->ArgName("joints")->Arg(12)->Arg(48)->Arg(144)->Iterations(60)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 BENCHMARK_MAIN();

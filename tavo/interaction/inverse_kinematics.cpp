@@ -4,7 +4,6 @@
 #include "tavo/interaction/selection.h"
 #include "tavo/kinematics/ik_rig.h"
 #include "tavo/kinematics/joint_ik_params.h"
-#include "tavo/kinematics/kinematics_constraint.h"
 #include "tavo/kinematics/pole_vector.h"
 #include "tavo/objects/scene.h"
 #include <algorithm>
@@ -20,14 +19,8 @@ Objects selectedObjects(XScene const& scene) {
     return scene.Selection().Objects(objects);
 }
 
-// What a pole follows: the target of the constraint that moves it.
-XTransform referentOf(XPoleVector const& pole) {
-    XKinematicsConstraint const constraint(pole.TranslationX().InputObject());
-    return XTransform(constraint.InputMatrices().Attribute(0).Attribute(0).InputObject());
-}
-
 void placePole(XPoleVector pole, XMatrix const& world) {
-    if (XTransform referent = referentOf(pole); referent.IsValid()) referent.SetWorldMatrix(world);
+    if (XTransform referent = pole.Referent(); referent.IsValid()) referent.SetWorldMatrix(world);
     pole.SetWorldMatrix(world);
 }
 
@@ -36,8 +29,8 @@ void placePole(XPoleVector pole, XMatrix const& world) {
 void tieToRig(XPoleVector const& pole, XIKHandle const& handle) {
     XTransform const root = handle.RootJoint();
     pole.SpaceWorldMatrix().ConnectInputTo(root.ParentWorldMatrix());
-    XTransform referent = referentOf(pole);
-    if (root.IsParentOf(referent)) referent.SetParent(handle.ParentTransform());
+    XTransform referent = pole.Referent();
+    if (root.IsParentOf(referent)) referent.SetParent(root.ParentTransform());
 }
 
 // The pose of now becomes the one that the solver begins from. A reference pole rides with its joint from there on, so

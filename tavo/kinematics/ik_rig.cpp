@@ -49,11 +49,11 @@ void XIKRig::build(Objects const& roots, Objects const& effectors) {
 
 // The pose of now is asked for before the solver stops.
 void XIKRig::reset() {
-    _solver.OutputGeometry().Attribute(0).Matrix();
+    if (_solver.OutputGeometry().ArraySize() > 0) _solver.OutputGeometry().Attribute(0).Matrix();
     _solver.SetName(XIKSolver::DefaultName);
     _solver.AllowCompute().SetBoolean(false);
     _solver.ContinuousMode().SetBoolean(false);
-    for (XAttribute const& array : {_solver.InputGeometry(), _solver.OutputGeometry(), _solver.JointIKParams()})
+    for (XAttribute const& array : {_solver.JointIKParams(), _solver.OutputGeometry(), _solver.InputGeometry()})
         clearConnected(array);
     for (XAttribute array :
          {_solver.JointHierarchy(), _solver.EndEffectorIndexList(), _solver.RootIndexList(), _solver.BindPoses()})
@@ -111,8 +111,9 @@ void XIKRig::addEffector(XTransform const& chosen) {
 void XIKRig::makePrimary(int effector) {
     if (_primary[std::size_t(effector)]) return;
     _primary[std::size_t(effector)] = true;
-    XIKHandle const promoted = handle(effector);
+    XIKHandle promoted = handle(effector);
     if (!promoted.IsValid()) return;
+    if (!promoted.IsPinned()) promoted.SetWorldMatrix(promoted.EndEffectorTransform().WorldMatrix().Matrix());
     promoted.IsPrimary().SetBoolean(true);
     promoted.SolverParameters().Attribute(Solver::Mode).SetEnumeration(XIKHandle::PositionAndOrientation);
     XPrimitive(promoted.FindChildObject(XPrimitive::TypeID, SupportsObjectType)).Shape().SetEnumeration(0);

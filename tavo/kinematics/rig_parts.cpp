@@ -41,8 +41,12 @@ int XObjectList::indexOf(XObject const& object) const {
     return place == _places.end() ? -1 : place->second;
 }
 
-void clearConnected(XAttribute array) {
+void disconnectElements(XAttribute const& array) {
     for (int i = array.ArraySize() - 1; i >= 0; --i) array.Attribute(i).Disconnect();
+}
+
+void clearConnected(XAttribute array) {
+    disconnectElements(array);
     array.Clear();
 }
 

@@ -45,6 +45,8 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
                                                       L"RetargetResetJointReferents",
                                                       L"AlignJointLimit",
                                                       L"AlignHingeOffset",
+                                                      L"SetConstraintTarget",
+                                                      L"ClearConstraintTarget",
                                                       L"CreateAimConstraint",       // of three transforms
                                                       L"CreateSkeletalConstraint",  // no namesakes
                                                       L"CreatePoleVector",          // of one branch
@@ -235,6 +237,8 @@ TEST_F(Catalogue, EachCommandHasItsNodeAndTellsWhatItDoes) {
                                 L"Characterize",
                                 L"AlignJointLimit",
                                 L"AlignHingeOffset",
+                                L"SetConstraintTarget",
+                                L"ClearConstraintTarget",
                                 L"CreateJointLimit",
                                 L"CreateKinematicsConstraint",
                                 L"CreateAimConstraint",

@@ -69,13 +69,41 @@ TEST_F(IKMotion, TheChainTurnsWithItsHandle) {
 }
 
 TEST_F(IKMotion, ASecondaryHandleLetsItsTransformGoUntilItIsPinned) {
-    XIKHandle const handle = rigArm(), ofElbow = handleOf(handle.Solver(), elbow);
+    XIKHandle const handle = rigArm();
+    XIKHandle ofElbow = handleOf(handle.Solver(), elbow);
     move(handle, {-0.1f, 0.05f, 0.02f});
     EXPECT_GT(distance(elbow, ofElbow), 0.01f);
-    EXPECT_LT(distance(wrist, handle), closeEnough);
-    Objects const pins = childrenOf(handle.Solver(), sg::PinNode::Def);
-    static_cast<sg::PinNode*>(pins[1].getNode())->setPinned(true);
-    EXPECT_LT(distance(elbow, ofElbow), 0.05f);
+    std::vector<float> const at = numbers(elbow.WorldMatrix());
+    EXPECT_FALSE(ofElbow.IsPinned());
+    ofElbow.SetPinned(true);
+    EXPECT_TRUE(ofElbow.IsPinned());
+    EXPECT_FALSE(ofElbow.SolverParameters().Attribute(4).Boolean());
+    EXPECT_LT(distance(elbow, ofElbow), closeEnough);
+    EXPECT_THAT(numbers(elbow.WorldMatrix()), testing::Pointwise(testing::FloatNear(1e-3f), at));
+    handle.Solver().RootLocked().SetBoolean(false);
+    for (int weight : {1, 2}) handle.SolverParameters().Attribute(weight).SetFloat(0);
+    move(ofElbow, {0, 0.05f, 0.05f});
+    EXPECT_LT(distance(elbow, ofElbow), closeEnough);
+    ofElbow.SetPinned(false);
+    move(ofElbow, {0, 0.05f, 0.05f});
+    EXPECT_GT(distance(elbow, ofElbow), 0.01f);
+}
+
+TEST_F(IKMotion, APinIsUndoneWithThePlaceOfItsHandle) {
+    XIKHandle const handle = rigArm();
+    XIKHandle ofElbow = handleOf(handle.Solver(), elbow);
+    move(handle, {-0.1f, 0.05f, 0.02f});
+    scene().CommitTransient();
+    std::string const before = bytes();
+    {
+        XChangeBlock const block(scene(), label);
+        ofElbow.SetPinned(true);
+    }
+    scene().Undo();
+    EXPECT_TRUE(bytes() == before);
+    EXPECT_FALSE(ofElbow.IsPinned());
+    XIKHandle().SetPinned(true);
+    EXPECT_FALSE(XIKHandle().IsPinned());
 }
 
 TEST_F(IKMotion, SwitchedOffTheChainStaysWhereItBegan) {
@@ -126,12 +154,13 @@ TEST_F(IKMotion, APoseThatIsSetIsTheOneToBeginFrom) {
     EXPECT_SAME_MATRIX(solver.InputGeometry().Attribute(2), elbow.LocalMatrix());
 }
 
-TEST_F(IKMotion, ARebuildKeepsThePose) {
+TEST_F(IKMotion, AHandleThatTurnsPrimaryIsWhereItsTransformIs) {
     XIKHandle const handle = rigArm();
     move(handle, {-0.1f, 0.05f, 0.02f});  // which nobody has looked at yet
     select({handle, elbow});
     run(L"SetIKEndEffectors");
-    EXPECT_LT(distance(wrist, handle), 0.02f);
+    EXPECT_LT(distance(wrist, handle), closeEnough);
+    EXPECT_LT(distance(elbow, handleOf(handle.Solver(), elbow)), closeEnough);
     EXPECT_TRUE(log.entries.empty());
 }
 
@@ -145,11 +174,12 @@ TEST_F(IKMotion, APoleTurnsTheChainAboutItsLine) {
     ASSERT_TRUE(control.IsValid());
     handle.SolverParameters().Attribute(0).SetEnumeration(XIKHandle::Position);
     XVector3 const before = elbow.WorldTranslation();
-    XKinematicsConstraint const constraint(control.TranslationX().InputObject());
-    XTransform referent(constraint.InputMatrices().Attribute(0).Attribute(0).InputObject());
-    // To the other side of the line from shoulder to wrist.
-    XVector3 const middle = XVector3().Add(shoulder.WorldTranslation(), wrist.WorldTranslation()).Scale(0.5f);
-    referent.SetWorldTranslation(XVector3().Subtract(XVector3().Add(middle, middle), referent.WorldTranslation()));
+    XTransform referent = control.Referent();
+    // A quarter turn about the line from shoulder to wrist.
+    XVector3 const line = XVector3().Subtract(wrist.WorldTranslation(), shoulder.WorldTranslation()).Normalize();
+    XVector3 const side = XVector3().Subtract(referent.WorldTranslation(), shoulder.WorldTranslation());
+    XVector3 const turned = XVector3().CrossProduct(line, side);
+    referent.SetWorldTranslation(XVector3().Add(shoulder.WorldTranslation(), turned));
     EXPECT_GT(elbow.WorldTranslation().DistanceTo(before), 0.1f);
     EXPECT_LT(distance(wrist, handle), closeEnough);
 }

@@ -373,6 +373,7 @@ TEST_F(IKRig, ASecondaryHandleTurnsPrimaryWithABox) {
     runOn({handle(solver, 0), spine}, L"SetIKEndEffectors");
     EXPECT_EQ(primary(solver), (std::vector<bool>{true, true, false}));
     EXPECT_EQ(handle(solver, 1), promoted);
+    EXPECT_SAME_MATRIX(promoted.WorldMatrix(), spine.WorldMatrix());
     EXPECT_EQ(selected(), Objects{handle(solver, 2)});
 }
 

@@ -9,7 +9,7 @@ using namespace Tavo;
 
 namespace {
 
-constexpr float closeEnough = 0.001f;  // metres
+constexpr float millimetre = 0.001f;  // metres
 
 class Rigs : public SceneTest {
 protected:
@@ -79,7 +79,7 @@ TEST_F(Rigs, AFigureFollowsItsHandleAndKeepsItsFeetOnTheGround) {
          {XVector3(0.02f, 0.05f, 0), XVector3(0.03f, 0.05f, 0.05f), XVector3(0, -0.02f, -0.1f)}) {
         handle.WorldTranslate(step);
         for (XJoint const& each : {hand, left, right})
-            EXPECT_LT(distance(each, handleOf(solver, each)), closeEnough) << Qelutils::toUtf8(each.Name());
+            EXPECT_LT(distance(each, handleOf(solver, each)), millimetre) << Qelutils::toUtf8(each.Name());
     }
 }
 
@@ -92,8 +92,8 @@ TEST_F(Rigs, AFigureOfTheSameShapeWalksAlike) {
     for (double t : {0.0, 0.4, 0.9, 1.3, 0.4}) {
         go(t);
         EXPECT_LT(worstTurn(first, second), 2e-3f) << t;
-        EXPECT_LT(distance(find(first, L"Head"), find(second, L"Head")), closeEnough) << t;
-        EXPECT_LT(distance(find(first, L"RightToe"), find(second, L"RightToe")), closeEnough) << t;
+        EXPECT_LT(distance(find(first, L"Head"), find(second, L"Head")), millimetre) << t;
+        EXPECT_LT(distance(find(first, L"RightToe"), find(second, L"RightToe")), millimetre) << t;
     }
 }
 
