@@ -120,12 +120,13 @@ TEST_F(PathStates, AnEmptyTrajectoryIsEmpty) {
 
 TEST_F(PathStates, SafeGuardsSayWhetherTheyAreUsed) {
     path.SetTranslation(0, 1, 0);
-    path.AddSafeGuard(XVector3(1, 0, 0), 0.5F, XDropOff());
+    path.AddSafeGuard(XVector3(1, 0, 0), 0.5F, XDropOff(0.25F));
     path.UseSafeGuards(false);
     PathState const state = readPath(path);
     ASSERT_EQ(state.guards.size(), 1u);
     expectAt(state.guards[0].centre, 1, 1, 0);
     EXPECT_FLOAT_EQ(float(state.guards[0].radius), 0.5F);
+    EXPECT_FLOAT_EQ(float(state.guards[0].range), 0.25F);
     EXPECT_FALSE(state.guards[0].isUsed);
     path.UseSafeGuards(true);
     EXPECT_TRUE(readPath(path).guards[0].isUsed);
