@@ -100,7 +100,7 @@ std::string textOf(Edited const& edited, EditTrajectoryVerb const& verb) {
                                 figure(double(c.z)), counted(std::size_t(edited.change.keysHeld[i]), "key"));
         }
         for (auto const& [key, time] : edited.timeGuards)
-            text += fmt::format("  time       timing key {} stays at {} s\n", key, figure(double(time)));
+            text += fmt::format("  time guard timing key {} stays at {} s\n", key, figure(double(time)));
     }
     return text + fmt::format("wrote {}\n", verb.output);
 }

@@ -78,30 +78,18 @@ struct Made {
     XTrajectory path;  // invalid: the source stands still
 };
 
-// Those that stand still are left out of the results, so that these are told apart by their names.
-void generateBatch(std::vector<XTransform> const& sources, std::vector<Made>& made) {
+// Those that stand still are left out of the results, so that these are told apart by their names. Of twins in
+// different places of the hierarchy it does not matter which is which: neither can follow a path.
+std::vector<Made> generate(std::vector<XTransform> const& sources) {
     Qelutils::Vector<XObject> results;
     XTrajectories::Instance().Generate(XTrajectories::Objects(sources.begin(), sources.end()), results);
+    std::vector<Made> made;
     auto next = results.begin();
     for (XTransform const& source : sources) {
         std::wstring const name = source.Name() + L'_' + std::wstring(XTrajectory::DefaultName);
         bool const moves = next != results.end() && next->Name().starts_with(name);
         made.push_back({source, moves ? XTrajectory(*next++) : XTrajectory()});
     }
-}
-
-// The scene is played once for all of a batch: no two of one name, and so nearly always for all.
-std::vector<Made> generate(std::vector<XTransform> const& sources) {
-    std::vector<std::vector<XTransform>> batches;
-    for (XTransform const& source : sources) {
-        auto const batch = std::find_if(batches.begin(), batches.end(), [&](auto const& members) {
-            return std::none_of(members.begin(), members.end(),
-                                [&](XTransform const& other) { return other.Name() == source.Name(); });
-        });
-        (batch == batches.end() ? batches.emplace_back() : *batch).push_back(source);
-    }
-    std::vector<Made> made;
-    for (std::vector<XTransform> const& batch : batches) generateBatch(batch, made);
     return made;
 }
 
