@@ -88,8 +88,11 @@ TEST_F(PathStates, SpeedIsThatBetweenTheTimingKeysAround) {
     std::vector<PathState::Moment> const motion = readPath(path).motion;
     EXPECT_NEAR(motion.front().speed, 3, 1e-4);
     EXPECT_NEAR(motion.back().speed, 1.5, 1e-4);
-    auto const middle = std::find_if(motion.begin(), motion.end(), [](auto const& m) { return m.time >= 1; });
-    EXPECT_NEAR(middle->speed, 2, 1e-4);
+    auto const speedAt = [&](double time) {
+        return std::find_if(motion.begin(), motion.end(), [=](auto const& m) { return m.time >= time - 1e-6; })->speed;
+    };
+    EXPECT_NEAR(speedAt(1), 2, 1e-4);
+    EXPECT_NEAR(speedAt(0.5), 2.5, 1e-4);
 }
 
 TEST_F(PathStates, SpeedBackwardsIsNoLess) {
