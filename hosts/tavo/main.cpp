@@ -27,6 +27,7 @@ constexpr char const* overview = R"(Examples:
   tavo sample walk.tavo --objects 'Left*' --attribute WorldTranslation
   tavo set walk.tavo SceneSettings.FrameRate=30 -o slower.tavo
   tavo export slower.tavo -o slower.bvh      and back
+  tavo trajectory generate walk.bvh Hips -o path.tavo --connect      a path that the walk follows
 
 FILE is a clip (BVH) or a scene, everywhere. `tavo VERB --help` tells more.)";
 
