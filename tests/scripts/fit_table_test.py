@@ -71,7 +71,7 @@ class Table(unittest.TestCase):
 
     def test_rows_tell_fits_missed_ones_and_roots_that_stand_still(self):
         rows = self.run_it().stdout.splitlines()[2:]
-        self.assertEqual(rows[0], "| `still.bvh` | the root stands still | | | | | | |")
+        self.assertEqual(rows[0], "| `still.bvh` | the root does not move | | | | | | |")
         row = "| 10 m | 101 | 1 % | 7 | 0.4 %, 40 mm | 0.4 %, 40 mm | 2 ms |"
         self.assertEqual(rows[1], f"| `walk.bvh` {row}")
         self.assertEqual(rows[3], "|  | | | 0.01 % | missed | | | |")
