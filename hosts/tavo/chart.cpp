@@ -1,10 +1,10 @@
 #include "hosts/tavo/chart.h"
+#include "hosts/tavo/svg.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <fmt/format.h>
-#include <iterator>
 #include <limits>
 
 namespace host {
@@ -32,111 +32,90 @@ struct Range {
     }
 };
 
-std::string escaped(std::string const& text) {
-    std::string result;
-    for (char const c : text) {
-        if (c == '<')
-            result += "&lt;";
-        else if (c == '>')
-            result += "&gt;";
-        else if (c == '&')
-            result += "&amp;";
-        else if (c == '"')
-            result += "&quot;";
-        else if (static_cast<unsigned char>(c) >= 0x20)
-            result += c;
-    }
-    return result;
-}
-
 class Panel {
 public:
-    Panel(ChartPanel const& panel, Range x, double y0, std::string& out) : panel_(panel), x_(x), y0_(y0), out_(out) {
+    Panel(ChartPanel const& panel, Range x, double y0, Svg& svg) :
+        panel_(panel), x_(x), area_{{left, y0}, width - left - right, panelHeight}, svg_(svg) {
         for (ChartCurve const& curve : panel.curves) y_.take(curve.y), y_.take(curve.keyY);
         y_.widen(0.06);
     }
     void draw(bool last) {
         legend();
         axes(last);
-        fmt::format_to(std::back_inserter(out_),
-                       "<svg x=\"{}\" y=\"{}\" width=\"{}\" height=\"{}\" overflow=\"hidden\">\n", left, y0_,
-                       width - left - right, panelHeight);
+        svg_.window(area_);
         for (std::size_t i = 0; i < panel_.curves.size(); ++i) curve(panel_.curves[i], colours[i % colours.size()]);
-        out_ += "</svg>\n";
-        fmt::format_to(std::back_inserter(out_),
-                       "<rect x=\"{}\" y=\"{}\" width=\"{}\" height=\"{}\" fill=\"none\" stroke=\"#999\"/>\n", left,
-                       y0_, width - left - right, panelHeight);
+        svg_.endWindow().rectangle(area_, "fill=\"none\" stroke=\"#999\"");
     }
 
 private:
     // Within the plotting area.
-    double px(double x) const { return (x - x_.from) / (x_.to - x_.from) * (width - left - right); }
-    double py(double y) const { return panelHeight - (y - y_.from) / (y_.to - y_.from) * panelHeight; }
-
-    void text(double x, double y, char const* anchor, std::string const& what) {
-        fmt::format_to(std::back_inserter(out_), "<text x=\"{:.1f}\" y=\"{:.1f}\" text-anchor=\"{}\">{}</text>\n", x, y,
-                       anchor, escaped(what));
+    SvgPoint at(double x, double y) const {
+        return {(x - x_.from) / (x_.to - x_.from) * area_.width,
+                area_.height - (y - y_.from) / (y_.to - y_.from) * area_.height};
     }
-    void line(double x1, double y1, double x2, double y2, char const* colour) {
-        fmt::format_to(std::back_inserter(out_), "<path d=\"M{:.1f} {:.1f}L{:.1f} {:.1f}\" stroke=\"{}\"/>\n", x1, y1,
-                       x2, y2, colour);
+    void text(double x, double y, char const* anchor, std::string const& what) {
+        svg_.text({x, y}, what, fmt::format("text-anchor=\"{}\"", anchor));
+    }
+    void line(SvgPoint from, SvgPoint to, char const* colour) {
+        svg_.line(from, to, fmt::format("stroke=\"{}\"", colour));
     }
     void axes(bool last) {
         for (double const y : ticks(y_.from, y_.to, 6)) {
-            line(left, y0_ + py(y), width - right, y0_ + py(y), y == 0 ? "#bbb" : "#e6e6e6");
-            text(left - 8, y0_ + py(y) + 4, "end", fmt::format("{:.6g}", y));
+            double const py = area_.corner.y + at(0, y).y;
+            line({left, py}, {area_.right(), py}, y == 0 ? "#bbb" : "#e6e6e6");
+            text(left - 8, py + 4, "end", fmt::format("{:.6g}", y));
         }
         for (double const x : ticks(x_.from, x_.to, 10)) {
-            line(left + px(x), y0_, left + px(x), y0_ + panelHeight, "#e6e6e6");
-            text(left + px(x), y0_ + panelHeight + 16, "middle", fmt::format("{:.6g}", x));
+            double const px = left + at(x, 0).x;
+            line({px, area_.corner.y}, {px, area_.bottom()}, "#e6e6e6");
+            text(px, area_.bottom() + 16, "middle", fmt::format("{:.6g}", x));
         }
-        if (!panel_.unit.empty()) text(left - 8, y0_ - 10, "end", panel_.unit);
-        if (last) text(width - right, y0_ + panelHeight + 34, "end", "time, s");
+        if (!panel_.unit.empty()) text(left - 8, area_.corner.y - 10, "end", panel_.unit);
+        if (last) text(area_.right(), area_.bottom() + 34, "end", "time, s");
     }
     void legend() {
         double x = left;
-        for (std::size_t i = 0; i < panel_.curves.size() && x < width - right - 60; ++i) {
+        double const y = area_.corner.y - 14;
+        for (std::size_t i = 0; i < panel_.curves.size() && x < area_.right() - 60; ++i) {
             std::string const& name = panel_.curves[i].name;
-            line(x, y0_ - 14, x + 18, y0_ - 14, colours[i % colours.size()]);
-            text(x + 24, y0_ - 10, "start", name);
+            line({x, y}, {x + 18, y}, colours[i % colours.size()]);
+            text(x + 24, y + 4, "start", name);
             x += 44 + 6.6 * double(name.size());
         }
     }
     void curve(ChartCurve const& curve, char const* colour) {
-        out_ += "<path fill=\"none\" stroke-width=\"1.5\" stroke-linejoin=\"round\" d=\"";
-        bool drawing = false;
-        for (std::size_t i = 0; i < curve.x.size(); ++i) {
-            bool const usable = std::isfinite(curve.x[i]) && std::isfinite(curve.y[i]);
-            if (usable)
-                fmt::format_to(std::back_inserter(out_), "{}{:.2f} {:.2f}", drawing ? 'L' : 'M', px(curve.x[i]),
-                               py(curve.y[i]));
-            drawing = usable;
-        }
-        fmt::format_to(std::back_inserter(out_), "\" stroke=\"{}\"/>\n", colour);
-        if (double(curve.keyX.size()) * leastKeyDistance > width - left - right) return;
+        std::vector<SvgPoint> points;
+        for (std::size_t i = 0; i < curve.x.size(); ++i) points.push_back(at(curve.x[i], curve.y[i]));
+        svg_.curve(points, fmt::format("stroke-width=\"1.5\" stroke-linejoin=\"round\" stroke=\"{}\"", colour));
+        if (double(curve.keyX.size()) * leastKeyDistance > area_.width) return;
         for (std::size_t i = 0; i < curve.keyX.size(); ++i)
-            fmt::format_to(std::back_inserter(out_),
-                           "<circle cx=\"{:.2f}\" cy=\"{:.2f}\" r=\"3\" fill=\"#fff\" stroke=\"{}\"/>\n",
-                           px(curve.keyX[i]), py(curve.keyY[i]), colour);
+            svg_.circle(at(curve.keyX[i], curve.keyY[i]), 3, fmt::format("fill=\"#fff\" stroke=\"{}\"", colour));
     }
 
     ChartPanel const& panel_;
     Range x_, y_;
-    double y0_;
-    std::string& out_;
+    SvgBox area_;
+    Svg& svg_;
 };
 
 }  // namespace
 
-std::vector<double> ticks(double from, double to, int count) {
-    double const rough = (to - from) / std::max(count, 1);
-    if (!(rough > 0) || !std::isfinite(rough)) return {};
+double roundStep(double rough) {
+    if (!(rough > 0) || !std::isfinite(rough)) return 0;
     double const power = std::pow(10, std::floor(std::log10(rough)));
-    double const step = power * (rough > power * 5 ? 10 : rough > power * 2 ? 5 : rough > power ? 2 : 1);
+    return power * (rough > power * 5 ? 10 : rough > power * 2 ? 5 : rough > power ? 2 : 1);
+}
+
+std::vector<double> multiples(double step, double from, double to) {
     std::vector<double> result;
+    if (!(step > 0)) return result;
     for (double i = std::ceil(from / step - 1e-9); i * step <= to + step * 1e-9 && result.size() < 1000; ++i)
         result.push_back(i * step + 0.0);
     return result;
+}
+
+std::vector<double> ticks(double from, double to, int count) {
+    return multiples(roundStep((to - from) / std::max(count, 1)), from, to);
 }
 
 std::string drawSvg(Chart const& chart) {
@@ -145,15 +124,11 @@ std::string drawSvg(Chart const& chart) {
         for (ChartCurve const& curve : panel.curves) x.take(curve.x);
     x.widen(x.to > x.from ? 0 : 1);
     double const each = legendHeight + panelHeight + gap;
-    double const height = top + double(chart.panels.size()) * each - gap + bottom;
-    std::string out = fmt::format("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0}\" height=\"{1}\" "
-                                  "viewBox=\"0 0 {0} {1}\" font-family=\"sans-serif\" font-size=\"12\">\n"
-                                  "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n"
-                                  "<text x=\"{2}\" y=\"24\" font-size=\"15\" font-weight=\"bold\">{3}</text>\n",
-                                  width, height, left, escaped(chart.title));
+    Svg svg(width, top + double(chart.panels.size()) * each - gap + bottom);
+    svg.text({left, 24}, chart.title, "font-size=\"15\" font-weight=\"bold\"");
     for (std::size_t i = 0; i < chart.panels.size(); ++i)
-        Panel(chart.panels[i], x, top + legendHeight + double(i) * each, out).draw(i + 1 == chart.panels.size());
-    return out + "</svg>\n";
+        Panel(chart.panels[i], x, top + legendHeight + double(i) * each, svg).draw(i + 1 == chart.panels.size());
+    return svg.take();
 }
 
 }  // namespace host

@@ -25,6 +25,10 @@ struct Chart {
 // UTF-8. Any finite numbers; others leave a gap.
 std::string drawSvg(Chart const& chart);
 
+// The smallest of 1, 2 or 5 times a power of ten that is not below `rough`; 0 for what is no positive number.
+double roundStep(double rough);
+// Of the step within [from, to], the ends included; at most 1000.
+std::vector<double> multiples(double step, double from, double to);
 // Round numbers (1, 2 or 5 times a power of ten apart) within [from, to], about `count` of them.
 std::vector<double> ticks(double from, double to, int count);
 

@@ -83,7 +83,12 @@ Nothing is written unless all of it has succeeded: OUT, and the settings. Withou
 
 constexpr char const* plotExamples = R"(Examples:
   tavo plot walk.tavo Hips.TranslationX Hips.TranslationY -o hips.svg
-  tavo plot walk.bvh '*Leg.RotationX' -o legs.svg)";
+  tavo plot walk.bvh '*Leg.RotationX' -o legs.svg
+  tavo plot walk.tavo --trajectory Hips -o path.svg     the path that Hips follows, or was generated from it
+  tavo plot bent.tavo --trajectory Hips --before walk.tavo --view top -o change.svg
+
+Of a path: keys, handles and safe guards, ticks at even times (wide spacing is speed), speed as colour, and speed over
+time.)";
 
 // Help begins with what the verb is for and examples; the rest follows.
 class Help : public CLI::Formatter {
@@ -213,10 +218,21 @@ private:
         addOutput(app, set_.output, "the scene to write, or a clip if it ends in .bvh");
     }
     void addPlot() {
-        CLI::App& app = add(plot_, "plot", "Draw attributes over time.", plotExamples);
-        app.add_option("ATTRIBUTE", plot_.attributes, "OBJECT.ATTRIBUTE; OBJECT may be a pattern")
-            ->required()
-            ->type_name("...");
+        CLI::App& app = add(plot_, "plot", "Draw attributes over time, or paths in space.", plotExamples);
+        CLI::Option* attributes =
+            app.add_option("ATTRIBUTE", plot_.attributes, "OBJECT.ATTRIBUTE; OBJECT may be a pattern")
+                ->type_name("...");
+        CLI::Option* paths =
+            app.add_option("--trajectory", plot_.trajectories, "trajectories, or objects that they belong to")
+                ->excludes(attributes)
+                ->type_name("PATH...");
+        app.add_option("--before", plot_.before, "the same paths in another file, drawn beneath in grey")
+            ->needs(paths)
+            ->type_name("FILE2");
+        app.add_option("--view", plot_.view, "top, side, front, or xz, zy, xy (where most is seen)")
+            ->needs(paths)
+            ->type_name("VIEW");
+        app.add_flag("--frames", plot_.frames, "ticks at frames, and time in frames")->needs(paths);
         addOutput(app, plot_.output, "the SVG picture to write");
     }
 

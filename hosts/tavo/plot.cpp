@@ -91,6 +91,8 @@ Chart chartOf(Session& session, std::vector<Line> lines, std::string const& file
 }  // namespace
 
 void run(PlotVerb const& verb) {
+    if (!verb.trajectories.empty()) return plotPaths(verb);
+    if (verb.attributes.empty()) throw wrongCall("what is to be drawn? it takes OBJECT.ATTRIBUTE or --trajectory PATH");
     Session session(verb.input);
     std::vector<Line> lines = linesOf(session.scene(), verb);
     sample(session, lines);

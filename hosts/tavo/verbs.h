@@ -67,7 +67,11 @@ struct DoVerb {
 };
 struct PlotVerb {
     Input input;
-    std::vector<std::string> attributes;  // OBJECT.ATTRIBUTE
+    std::vector<std::string> attributes;    // OBJECT.ATTRIBUTE
+    std::vector<std::string> trajectories;  // in place of attributes: paths in space
+    std::string before;                     // of those, the file of an earlier state; empty: none
+    std::string view;                       // from where they are seen; empty: where most is
+    bool frames = false;                    // time in frames
     std::string output;
 };
 
@@ -78,6 +82,7 @@ void run(SampleVerb const& verb);
 void run(PlayVerb const& verb);
 void run(SetVerb const& verb);
 void run(PlotVerb const& verb);
+void plotPaths(PlotVerb const& verb);  // with trajectories
 void run(CommandsVerb const& verb);
 void run(DoVerb const& verb);
 
