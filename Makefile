@@ -6,7 +6,7 @@ SOURCES = find qel tavo plugins hosts tests bench fuzz -name '*.h' -o -name '*.c
 CTEST = ctest --output-on-failure -j2 --test-dir
 
 .DEFAULT_GOAL := release
-.PHONY: release asan demo test bench fuzz format format-check readme install dependencies help
+.PHONY: release asan demo test bench fuzz format format-check readme docs-pictures install dependencies help
 
 release asan: ## Build it: with optimisation (plain `make`), or with the sanitizers
 	@cmake --preset $@ >/dev/null
@@ -41,7 +41,11 @@ format-check: ## Fail if a source is not formatted
 readme: release ## Write what the host really prints into its pages: sessions, and the reference of the commands
 	@scripts/check_readme_session.py --host build/release/bin/tavo --update
 	@scripts/check_readme_session.py --host build/release/bin/tavo --page docs/host.md --update
+	@scripts/check_readme_session.py --host build/release/bin/tavo --page docs/trajectories.md --update
 	@build/release/bin/tavo commands --markdown >docs/commands.md
+
+docs-pictures: release ## Draw the pictures of docs/trajectories.md, by its own commands
+	@scripts/docs_pictures.sh build/release/bin/tavo
 
 install: release ## Install under PREFIX (/usr/local)
 	@cmake --install build/release --prefix $(PREFIX)

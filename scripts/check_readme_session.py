@@ -5,8 +5,8 @@ A session is a fenced block right after the line "<!-- session -->". Its "$ " li
 temporary directory that holds a copy of examples/, with the given host on PATH as `tavo`; the lines up to the next "$ "
 are what the command prints, errors included. Every command must succeed.
 
-Usage: check_readme_session.py --host BUILD/bin/tavo [--page README.md] [--update]
---update writes what was really printed into the page. Exit codes: 0 the same, 1 a difference, 77 there is no host.
+Usage: check_readme_session.py --host BUILD/bin/tavo [--page README.md] [--update] [--keep FOLDER]
+--update writes what was really printed into the page; --keep copies the files that the commands left. Exit codes: 0 the same, 1 a difference, 77 there is no host.
 """
 import argparse
 import difflib
@@ -51,8 +51,9 @@ def run(command, folder, environment):
     return printed + ("" if printed.endswith("\n") or not printed else "\n"), done.returncode == 0
 
 
-def played(page, host):
-    """The page as it would read with what its commands print now, and whether every command succeeded."""
+def played(page, host, keep=None):
+    """The page as it would read with what its commands print now, and whether every command succeeded. The files that
+    they left go to `keep`."""
     succeeded = True
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
@@ -67,7 +68,11 @@ def played(page, host):
                 lines += [f"$ {command}\n", printed]
             return "".join(lines)
 
-        return SESSION.sub(replay, page), succeeded
+        now = SESSION.sub(replay, page)
+        for file in (folder / "work").iterdir() if keep else ():
+            if file.is_file():
+                shutil.copy(file, keep)
+        return now, succeeded
 
 
 def main():
@@ -75,12 +80,13 @@ def main():
     parser.add_argument("--host", type=Path, required=True)
     parser.add_argument("--page", type=Path, default=ROOT / "README.md")
     parser.add_argument("--update", action="store_true")
+    parser.add_argument("--keep", type=Path)
     arguments = parser.parse_args()
     if not arguments.host.is_file():
         print(f"skipped: there is no {arguments.host}")
         return SKIPPED
     page = arguments.page.read_text(encoding="utf-8")
-    now, succeeded = played(page, arguments.host.resolve())
+    now, succeeded = played(page, arguments.host.resolve(), arguments.keep)
     if arguments.update and succeeded:
         arguments.page.write_text(now, encoding="utf-8")
         return 0

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Draws a character as stick figures along its way, from what `tavo sample` writes of its joints.
 
-Usage: tavo sample SCENE --objects PATTERN --attribute WorldTranslation --step S | stick_figures.py -o OUT.svg
-           [--title TEXT] [--times]
-Each moment of the table is a figure: a line from every joint to the joint above it in its path. The scene is seen from
-in front, to the right and above, without perspective, on a floor with a line each metre; what is left is blue, what is
-right orange, the rest dark, and the root's way lies on the floor as a grey line. --times writes the moments beneath the
-figures. The same table gives the same bytes.
+Usage: tavo sample SCENE --objects PATTERN --attribute WorldTranslation | stick_figures.py -o OUT.svg [--every N]
+           [--title TEXT]
+Every N-th moment of the table is a figure: a line from each joint to the joint above it in its path. All moments are the
+way of the root on the floor, a grey line. The scene is seen from in front, to the right and above, without perspective,
+on tiles of a metre; what is left is blue, what is right orange, the rest dark. All pictures have one scale, so that they
+compare. The same table gives the same bytes.
 """
 import argparse
 import csv
@@ -15,8 +15,8 @@ import sys
 from pathlib import Path
 from xml.sax.saxutils import escape
 
-TURN, RISE = math.radians(-28), math.radians(24)  # of the eye about the vertical, and above the floor
-WIDTH, MARGIN, TOP = 1000, 28, 40
+TURN, RISE = math.radians(-45), math.radians(26)  # of the eye about the vertical, and above the floor
+METRE, MARGIN, TOP, NEAR = 150, 20, 52, 1.1  # pixels; and how far from the way the floor goes, in metres
 COLOURS = {"left": "#0072b2", "right": "#d55e00", "middle": "#333"}
 
 
@@ -40,13 +40,15 @@ def flat(point):
     return right, -y * math.cos(RISE) - away * math.sin(RISE)
 
 
-def floor_lines(moments, root):
-    """A square metre each, as far as the way goes and a metre beyond."""
-    xs = [joints[root][0] for joints in moments.values()]
-    zs = [joints[root][2] for joints in moments.values()]
-    x0, x1, z0, z1 = (math.floor(min(xs)) - 1, math.ceil(max(xs)) + 1, math.floor(min(zs)) - 1, math.ceil(max(zs)) + 1)
-    lines = [((x, 0, z0), (x, 0, z1)) for x in range(x0, x1 + 1)]
-    return lines + [((x0, 0, z), (x1, 0, z)) for z in range(z0, z1 + 1)]
+def tiles(way):
+    """The corners of those that lie near the way."""
+    found = []
+    xs, zs = [p[0] for p in way], [p[2] for p in way]
+    for x in range(math.floor(min(xs)) - 2, math.ceil(max(xs)) + 2):
+        for z in range(math.floor(min(zs)) - 2, math.ceil(max(zs)) + 2):
+            if any(math.hypot(p[0] - x - 0.5, p[2] - z - 0.5) < NEAR for p in way):
+                found.append([(x, 0, z), (x + 1, 0, z), (x + 1, 0, z + 1), (x, 0, z + 1)])
+    return found
 
 
 def side(path):
@@ -55,7 +57,7 @@ def side(path):
 
 
 def bones(joints):
-    """Pairs of places, those farther from the eye first."""
+    """Of each joint its side, the place of the one above it, and its own."""
     for path, place in joints.items():
         above = joints.get(path.rsplit("|", 1)[0])
         if above:
@@ -65,29 +67,24 @@ def bones(joints):
 class Picture:
     def __init__(self, points):
         xs, ys = zip(*(flat(p) for p in points))
-        self.scale = (WIDTH - 2 * MARGIN) / (max(xs) - min(xs))
         self.left, self.top = min(xs), min(ys)
-        self.height = (max(ys) - min(ys)) * self.scale + TOP + 2 * MARGIN
+        self.width = (max(xs) - min(xs)) * METRE + 2 * MARGIN
+        self.height = (max(ys) - min(ys)) * METRE + TOP + 2 * MARGIN
         self.out = []
 
     def at(self, point):
         x, y = flat(point)
-        return (x - self.left) * self.scale + MARGIN, (y - self.top) * self.scale + TOP + MARGIN
+        return (x - self.left) * METRE + MARGIN, (y - self.top) * METRE + TOP + MARGIN
 
     def add(self, text):
         self.out.append(text)
 
-    def line(self, points, attributes=""):
-        places = [self.at(p) for p in points]
-        data = "M" + "L".join(f"{x:.1f} {y:.1f}" for x, y in places)
+    def line(self, points, attributes="", end=""):
+        data = "M" + "L".join(f"{x:.1f} {y:.1f}" for x, y in map(self.at, points)) + end
         self.add(f'<path d="{data}"{attributes and " " + attributes}/>')
 
-    def text(self, point, what, attributes="", below=0):
-        x, y = self.at(point)
-        self.add(f'<text x="{x:.1f}" y="{y + below:.1f}"{attributes and " " + attributes}>{escape(what)}</text>')
-
     def svg(self, title):
-        size = f'width="{WIDTH}" height="{self.height:.0f}" viewBox="0 0 {WIDTH} {self.height:.0f}"'
+        size = f'width="{self.width:.0f}" height="{self.height:.0f}" viewBox="0 0 {self.width:.0f} {self.height:.0f}"'
         head = [
             f'<svg xmlns="http://www.w3.org/2000/svg" {size} font-family="sans-serif" font-size="11">',
             '<rect width="100%" height="100%" fill="#fff"/>',
@@ -96,41 +93,45 @@ class Picture:
         return "\n".join(head + self.out + ["</svg>", ""])
 
 
-def draw(moments, root, title, times):
-    floor = floor_lines(moments, root)
-    everything = [p for line in floor for p in line] + [p for joints in moments.values() for p in joints.values()]
-    picture = Picture(everything)
-    picture.add('<g class="floor" stroke="#e0e0e0">')
-    for line in floor:
-        picture.line(line)
-    picture.add('</g><g class="way" fill="none" stroke="#b5bac0" stroke-width="2">')
-    ground = [(joints[root][0], 0, joints[root][2]) for joints in moments.values()]
-    picture.line(ground)
+def draw(moments, root, title, every):
+    way = [(joints[root][0], 0, joints[root][2]) for joints in moments.values()]
+    shown = list(moments.items())[::every]
+    floor = tiles(way)
+    picture = Picture([p for tile in floor for p in tile] + [p for _, joints in shown for p in joints.values()])
+    picture.add('<g class="floor" fill="#f7f7f5" stroke="#dcdcd8">')
+    for tile in floor:
+        picture.line(tile, end="Z")
     picture.add("</g>")
-    for x, y, z in ground:
-        picture.line([(x - 0.06, 0, z), (x + 0.06, 0, z)], 'stroke="#8d949c"')
-    nearest_last = sorted(moments.items(), key=lambda item: flat(item[1][root])[1])
-    for time, joints in nearest_last:
+    picture.line(way, 'class="way" fill="none" stroke="#8d949c" stroke-width="2.5" stroke-linejoin="round"')
+    for time, joints in sorted(shown, key=lambda item: flat((item[1][root][0], 0, item[1][root][2]))[1]):
         figure(picture, joints)
-        if times:
-            x, _, z = joints[root]
-            picture.text((x, 0, z), f"{time:.2g} s", 'text-anchor="middle" fill="#555"', below=26)
+    labels(picture, [(time, joints[root]) for time, joints in shown])
     return picture.svg(title)
 
 
+def labels(picture, places):
+    """The moments, on the floor in front of the figures."""
+    picture.add('<g class="times" text-anchor="middle" fill="#333" stroke="#fff" stroke-width="3" paint-order="stroke">')
+    for time, (px, _, pz) in places:
+        x, y = picture.at((px, 0, pz))
+        picture.add(f'<text x="{x:.1f}" y="{y + 30:.1f}">{time:.2g} s</text>')
+    picture.add("</g>")
+
+
 def figure(picture, joints):
-    picture.add('<g class="figure" fill="none" stroke-linecap="round" stroke-linejoin="round">')
-    for stroke, width in (("#fff", 6), (None, 2.6)):
-        for which, above, place in bones(joints):
-            picture.line([above, place], f'stroke="{stroke or COLOURS[which]}" stroke-width="{width}"')
+    """Its bones, each with a white rim, so that what crosses stays apart; and a head."""
+    picture.add('<g class="figure" fill="none" stroke-linecap="round">')
+    drawn = sorted(bones(joints), key=lambda bone: flat((bone[1][0], 0, bone[1][2]))[1])
+    for which, above, place in drawn:
+        picture.line([above, place], 'stroke="#fff" stroke-width="6"')
+    for which, above, place in drawn:
+        picture.line([above, place], f'stroke="{COLOURS[which]}" stroke-width="2.8"')
     head = next((path for path in joints if path.endswith("|Head")), None)
     if head:
         x, y = picture.at(joints[head])
-        radius = 0.1 * picture.scale
-        picture.add(
-            f'<circle cx="{x:.1f}" cy="{y - radius:.1f}" r="{radius:.1f}" fill="#fff" stroke="{COLOURS["middle"]}" '
-            'stroke-width="2"/>'
-        )
+        radius = 0.1 * METRE
+        rim = f'fill="#fff" stroke="{COLOURS["middle"]}" stroke-width="2"'
+        picture.add(f'<circle cx="{x:.1f}" cy="{y - radius:.1f}" r="{radius:.1f}" {rim}/>')
     picture.add("</g>")
 
 
@@ -138,14 +139,16 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("-o", "--output", type=Path, required=True)
     parser.add_argument("--title", default="")
-    parser.add_argument("--times", action="store_true")
+    parser.add_argument("--every", type=int, default=1)
     arguments = parser.parse_args()
+    if arguments.every < 1:
+        parser.error("--every is a number of at least 1")
     try:
         moments, root = read(sys.stdin)
     except (KeyError, ValueError) as error:
         print(f"this is no table of WorldTranslation: {error}", file=sys.stderr)
         return 3
-    arguments.output.write_text(draw(moments, root, arguments.title, arguments.times), encoding="utf-8")
+    arguments.output.write_text(draw(moments, root, arguments.title, arguments.every), encoding="utf-8")
     return 0
 
 

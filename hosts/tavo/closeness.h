@@ -1,4 +1,4 @@
-// How far places lie from a path: from a polyline so fine that its own error is far below what is measured.
+// How far places lie from a path. What is found is the distance of a place of the path, so that it is never too small.
 #pragma once
 #include "qel/sg/path_bezier.h"
 #include "tavo/trajectories/trajectory.h"
@@ -9,16 +9,20 @@ namespace host {
 
 class Closeness {
 public:
-    // `chords`: of the polyline, even along the path.
-    Closeness(Tavo::XTrajectory const& path, int chords);
+    // Looks at so many places of each segment, even in the parameter, and then more closely about the nearest. The path
+    // has a key at least.
+    Closeness(Tavo::XTrajectory const& path, int places);
     // From the nearest place of the path, metres in its own space. `fraction`: where that may be; a good guess is fast.
     double distance(Qelp::Vector3 const& place, double fraction) const;
 
 private:
-    double distanceToChord(std::size_t at, sg::PathPoint const& place) const;
+    std::size_t nearest(sg::PathPoint const& place, std::size_t guess) const;
+    double distanceAt(double parameter, sg::PathPoint const& place) const;
 
+    Tavo::XTrajectory path_;
+    int places_;
     std::vector<sg::PathPoint> points_;
-    double longest_ = 0;  // of the chords
+    double longest_ = 0;  // from one point to the next
 };
 
 }  // namespace host

@@ -1,6 +1,7 @@
 // The command line: verbs, options, help, and what a wrong call is told.
 #include "hosts/tavo/console.h"
 #include "hosts/tavo/options.h"
+#include "hosts/tavo/rig_options.h"
 #include "hosts/tavo/trajectory_options.h"
 #include "hosts/tavo/verbs.h"
 #include "qel/utils/text.h"
@@ -27,6 +28,7 @@ constexpr char const* overview = R"(Examples:
   tavo sample walk.tavo --objects 'Left*' --attribute WorldTranslation
   tavo set walk.tavo SceneSettings.FrameRate=30 -o slower.tavo
   tavo export slower.tavo -o slower.bvh      and back
+  tavo trajectory generate walk.bvh Hips -o path.tavo --connect      a path that the walk follows
 
 FILE is a clip (BVH) or a scene, everywhere. `tavo VERB --help` tells more.)";
 
@@ -132,6 +134,8 @@ public:
         addCommands();
         addDo();
         addTrajectory();
+        addPathVerb(app_, ik_, "ik", "Pose a figure by its hands and feet.", ikExamples);
+        addPathVerb(app_, retarget_, "retarget", "Let a figure take over another one's motion.", retargetExamples);
     }
 
     ExitCode run(int count, char** arguments) {
@@ -334,6 +338,8 @@ private:
     SampleTrajectoryVerb samplePath_;
     EditTrajectoryVerb editPath_;
     InfoTrajectoryVerb infoPath_;
+    IkVerb ik_;
+    RetargetVerb retarget_;
 };
 
 }  // namespace

@@ -16,6 +16,7 @@ constexpr double mostTicks = 400, mostLabels = 12;
 
 constexpr char const* beforeStyle = "stroke=\"#8d949c\" stroke-width=\"1.8\" stroke-dasharray=\"6 4\"";
 constexpr char const* guardStyle = "fill=\"#009e73\" fill-opacity=\"0.08\" stroke=\"#009e73\" stroke-dasharray=\"2 3\"";
+constexpr char const* guardCentreStyle = "fill=\"none\" stroke=\"#009e73\" stroke-width=\"2\"";
 constexpr char const* idleGuardStyle = "fill=\"none\" stroke=\"#bbb\" stroke-dasharray=\"2 3\"";
 constexpr char const* handleStyle = "stroke=\"#444\"";
 constexpr char const* handleEndStyle = "fill=\"#fff\" stroke=\"#444\"";
@@ -144,11 +145,16 @@ void PathPanel::drawGrid() {
     svg_.endGroup();
 }
 
+// The sphere, its centre, since it may have no size, and how far around it movement is held back.
 void PathPanel::drawGuards(PathState const& state) {
     svg_.window(area_);
-    for (PathState::Guard const& guard : state.guards)
-        svg_.circle(project_(guard.centre) - area_.corner, guard.radius * project_.scale(),
-                    classed("guard", guard.isUsed ? guardStyle : idleGuardStyle));
+    for (PathState::Guard const& guard : state.guards) {
+        SvgPoint const centre = project_(guard.centre) - area_.corner;
+        char const* const style = guard.isUsed ? guardStyle : idleGuardStyle;
+        svg_.circle(centre, (guard.radius + guard.range) * project_.scale(), classed("guard-range", style));
+        svg_.circle(centre, guard.radius * project_.scale(), classed("guard", style));
+        svg_.circle(centre, 9, guard.isUsed ? guardCentreStyle : idleGuardStyle);
+    }
     svg_.endWindow();
 }
 

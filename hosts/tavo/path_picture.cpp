@@ -136,7 +136,7 @@ void drawLegend(PathPicture const& picture, PathPanel const& panel, double y, Sv
         legend.item(panel.marksSamples() ? "sampled key" : "sampled keys, too close to show",
                     [&](SvgPoint at) { panel.drawSampleSymbol(at); });
     if (any([](PathPair const& p) { return !p.now.guards.empty(); }))
-        legend.item("safe guard", [&](SvgPoint at) { panel.drawGuardSymbol(at); });
+        legend.item("safe guard, and how far it holds", [&](SvgPoint at) { panel.drawGuardSymbol(at); });
     if (any([](PathPair const& p) { return p.before.has_value(); }))
         legend.item("before", [&](SvgPoint at) { panel.drawBeforeSymbol(at); });
     svg.endGroup();

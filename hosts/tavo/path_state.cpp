@@ -14,7 +14,7 @@ using namespace Tavo;
 using Qelutils::toUtf8;
 
 constexpr int pointsOfASpline = 24;                           // of one segment of a line
-constexpr std::size_t fewestMoments = 800, mostTimes = 4000;  // a picture has a thousand pixels across
+constexpr std::size_t fewestMoments = 400, mostTimes = 4000;  // a picture has a thousand pixels across
 
 // A trajectory as it is read: its node, and the way from its own space into the world.
 class PathReader {
@@ -72,10 +72,12 @@ private:
     }
     void readGuards() {
         XAttribute const guards = path_.SafeGuardsArray();
-        for (int i = 0; i < guards.AttributeCount(); ++i)
-            state_.guards.push_back({toWorld(guards.Attribute(i).Attribute(0).Vector().AsVector()),
-                                     double(guards.Attribute(i).Attribute(1).Float()),
+        for (int i = 0; i < guards.AttributeCount(); ++i) {
+            XAttribute const guard = guards.Attribute(i);
+            auto const number = [&](int part) { return std::max(0.0, double(guard.Attribute(part).Float())); };
+            state_.guards.push_back({toWorld(guard.Attribute(0).Vector().AsVector()), number(1), number(2),
                                      path_.UseSafeGuards().Boolean()});
+        }
     }
 
     void readMotion() {

@@ -19,7 +19,7 @@ struct PathState {
     };
     struct Guard {
         PathPoint centre;
-        double radius = 0;
+        double radius = 0, range = 0;  // nothing moves within the first; movement returns over the second
         bool isUsed = true;
     };
     struct Moment {

@@ -94,10 +94,10 @@ Qelutils::Vector<Qelp::Vector3> positionsOf(XTrajectory const& path) {
 }
 
 XVector3 keyPosition(XTrajectory const& path, int key, std::string const& option) {
-    int const slot = path.ParameterIndex(float(key));
+    int const count = keyCountOf(path), slot = key >= 0 && key < count ? path.ParameterIndex(float(key)) : -1;
     if (slot < 0)
         throw wrongCall(fmt::format("{}: {} has no key {}; it has {}", option, pathOf(path), key,
-                                    counted(std::size_t(keyCountOf(path)), "key") + ", from 0 on"));
+                                    counted(std::size_t(count), "key") + ", from 0 on"));
     return path.TranslationKeyframesArray().Attribute(slot).Attribute(KeyPosition).Vector();
 }
 

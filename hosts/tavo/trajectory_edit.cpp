@@ -129,6 +129,7 @@ std::string jsonOf(Edited const& edited, EditTrajectoryVerb const& verb) {
 }
 
 Edited edit(EditTrajectoryVerb const& verb, XTrajectory path) {
+    if (!path.IsEditable()) throw Failure{ExitCode::failed, fmt::format("{} may not be edited", pathOf(path))};
     PathChange const change = changeOf(verb);
     PathPlace const place = placeOf(verb, path);
     XDropOff const dropoff = dropoffOf(verb);

@@ -19,8 +19,8 @@ using namespace Tavo;
 // What the fitter is given beside the tolerance: attempts for a longer segment, the most keys that one segment may
 // stand for, and rounds in which keys find their places on it.
 constexpr int refinements = 20, mostKeysOfSegment = 2000, places = 2;
-constexpr int chordsOfKey = 16;        // of the polyline that errors are measured against
-constexpr double duplicates = 1.1e-5;  // keys nearer to the one before are left out of a fit: too near to count
+constexpr float duplicates = 0;    // only keys that repeat a place are left out: many small steps are a way
+constexpr double rounding = 1e-6;  // of places as floats, metres, that no tolerance is missed by
 
 struct Fit {
     std::string path;
@@ -37,12 +37,13 @@ double toleranceOf(XTrajectory const& path, FitTrajectoryVerb const& verb) {
     return tolerance;
 }
 
-void checkTolerance(FitTrajectoryVerb const& verb) {
+void check(FitTrajectoryVerb const& verb) {
     if (verb.tolerance.has_value() == verb.percent.has_value())
         throw wrongCall("a fit takes one of --tolerance and --percent");
     double const given = verb.tolerance ? *verb.tolerance : *verb.percent;
     if (!(given > 0) || !std::isfinite(given))
         throw wrongCall(fmt::format("{} is a number above 0", verb.tolerance ? "--tolerance" : "--percent"));
+    if (verb.maxKeys && *verb.maxKeys < 2) throw wrongCall("--max-keys is a number from 2 on");
 }
 
 void checkSampled(XTrajectory const& path) {
@@ -68,7 +69,8 @@ struct Dense {
 };
 
 void measure(XTrajectory const& path, Dense const& dense, Fit& fit) {
-    Closeness const closeness(path, chordsOfKey * std::max(fit.before, 2));
+    // At least as many places as there were keys, and enough to know the bends of a cubic curve.
+    Closeness const closeness(path, 16 + 4 * fit.before / std::max(fit.after, 1));
     double sum = 0;
     for (std::size_t i = 0; i < dense.places.size(); ++i) {
         double const distance = closeness.distance(dense.places[i], double(dense.fractions[i]));
@@ -85,7 +87,7 @@ Fit fitOne(XTrajectory path, FitTrajectoryVerb const& verb) {
     RotationsInPlace const rotations(path);
     Clock::time_point const start = Clock::now();
     bool const fitted =
-        path.FitSampledCurveTranslation(0, float(fit.tolerance), refinements, mostKeysOfSegment, places);
+        path.FitSampledCurveTranslation(0, float(fit.tolerance), refinements, mostKeysOfSegment, places, duplicates);
     fit.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (!fitted) throw Failure{ExitCode::failed, fmt::format("{} could not be fitted", fit.path)};
     rotations.restore();
@@ -94,11 +96,17 @@ Fit fitOne(XTrajectory path, FitTrajectoryVerb const& verb) {
     return fit;
 }
 
-void checkMissed(Fit const& fit) {
-    if (fit.largest > fit.tolerance * 1.001 + duplicates)
-        throw Failure{ExitCode::missed, fmt::format("{}: {} m off at worst, beyond the tolerance of {} m; nothing was "
-                                                    "written",
-                                                    fit.path, figure(fit.largest), figure(fit.tolerance))};
+// What was measured is compared with what was asked for, whatever the fitter promises.
+void checkMissed(Fit const& fit, FitTrajectoryVerb const& verb) {
+    auto const miss = [&fit](std::string const& what) {
+        return Failure{ExitCode::missed, fmt::format("{}: {}; nothing was written", fit.path, what)};
+    };
+    if (verb.maxKeys && fit.after > *verb.maxKeys)
+        throw miss(fmt::format("a tolerance of {} m takes {}, more than the {} allowed", figure(fit.tolerance),
+                               counted(std::size_t(fit.after), "key"), *verb.maxKeys));
+    if (fit.largest > fit.tolerance * 1.001 + rounding)
+        throw miss(
+            fmt::format("{} m off at worst, beyond the tolerance of {} m", figure(fit.largest), figure(fit.tolerance)));
 }
 
 std::string textOf(std::vector<Fit> const& fits, FitTrajectoryVerb const& verb) {
@@ -133,7 +141,7 @@ std::string jsonOf(std::vector<Fit> const& fits, FitTrajectoryVerb const& verb) 
 
 void run(FitTrajectoryVerb const& verb) {
     static std::wstring const label = L"Fit Trajectory";
-    checkTolerance(verb);
+    check(verb);
     Session session(verb.input);
     std::vector<Fit> fits;
     {
@@ -141,7 +149,7 @@ void run(FitTrajectoryVerb const& verb) {
         for (XTrajectory const& path : findTrajectories(session.scene(), verb.paths))
             fits.push_back(fitOne(path, verb));
     }
-    for (Fit const& fit : fits) checkMissed(fit);
+    for (Fit const& fit : fits) checkMissed(fit, verb);
     session.save(verb.output);
     writeResult(verb.json ? jsonOf(fits, verb) : textOf(fits, verb));
 }

@@ -31,7 +31,10 @@ Frames framesOf(Session& session, GenerateTrajectoryVerb const& verb) {
     Frames const frames{verb.from.value_or(first), verb.to.value_or(first + count - 1), verb.by, rate};
     if (!(frames.by > 0) || !std::isfinite(frames.by)) throw wrongCall("--by is a number of frames above 0");
     double const keys = (frames.to - frames.from) / frames.by;
-    if (!(keys > 0)) throw wrongCall(fmt::format("there is no motion from frame {} to {}", frames.from, frames.to));
+    bool const isAsked = verb.from || verb.to || verb.by != 1;
+    if (!(keys > 0.999))
+        throw Failure{isAsked ? ExitCode::wrongCall : ExitCode::failed,
+                      fmt::format("there is no step from frame {} to {}", frames.from, frames.to)};
     if (!(keys <= XTrajectory::MostSegments)) throw wrongCall("that is too many keys; a larger --by gives fewer");
     return frames;
 }

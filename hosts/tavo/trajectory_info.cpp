@@ -6,6 +6,7 @@
 #include "tavo/objects/matrix.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 
 namespace host {

@@ -29,11 +29,12 @@ char const* const fitExamples = R"(Examples:
   tavo trajectory fit path.tavo Hips -o few.tavo --tolerance 0.01
   tavo trajectory fit path.tavo Hips -o few.tavo --percent 0.1 --report
   tavo trajectory fit path.tavo '*' -o few.tavo --percent 1 --report --json
+  tavo trajectory fit path.tavo Hips -o few.tavo --percent 0.1 --max-keys 20 || echo 'too winding'
 
 The path becomes a spline: few keys with handles. The report tells the keys before and after, how far the keys before lie
-from the path after, at most and on the mean, and how long the fit took. When one lies farther than the tolerance (keys
-within 0.00001 m of the one before them count as none), nothing is written and the exit code is 4. Rotation keys stay at
-their places along the path.)";
+from the path after, at most and on the mean, and how long the fit took. When that is farther than the tolerance, or there
+are more keys than --max-keys allows, nothing is written and the exit code is 4. Rotation keys stay at their places along
+the path.)";
 
 char const* const samplePathExamples = R"(Examples:
   tavo trajectory sample few.tavo Hips -o dense.tavo --keys 100
@@ -106,6 +107,7 @@ void addOptions(CLI::App& app, FitTrajectoryVerb& verb) {
     app.add_option("--tolerance", verb.tolerance, "how far a key may lie from the new path, in metres")
         ->type_name("LENGTH");
     app.add_option("--percent", verb.percent, "the same, in percent of the path's length")->type_name("P");
+    app.add_option("--max-keys", verb.maxKeys, "no more keys may be left (any number)")->type_name("N");
     addReport(app, verb.report, verb.json, "tell the errors and the time it took");
     addOutput(app, verb.output, "the scene to write");
 }

@@ -25,6 +25,7 @@ struct FitTrajectoryVerb {
     std::vector<std::string> paths;
     std::optional<double> tolerance;  // metres
     std::optional<double> percent;    // of the path's length
+    std::optional<int> maxKeys;       // more are a miss
     bool report = false, json = false;
     std::string output;
 };

@@ -85,6 +85,13 @@ bool isPlain(XJoint const& joint, bool standsOnJoint) {
     return true;
 }
 
+// It stands at the origin and nothing moves it, as the parts of a character do.
+bool isAsTheOrigin(XScene const& scene, XObject up) {
+    for (; up.IsValid() && !scene.IsRootObject(up); up = up.Parent())
+        if (up.HasInputAttributes() || !XTransform(up).LocalMatrix().Matrix().IsIdentity(0)) return false;
+    return up.IsValid();
+}
+
 bool isMoved(XJoint const& joint, int axis) { return translation(joint, axis).IsConnectedInput(); }
 
 Qelutils::Vector<XObject> jointsOf(XScene const& scene) {
@@ -153,7 +160,7 @@ private:
             Source source{XJoint(object), {}, true, 0, {}};
             Joint joint;
             XObject up = object.Parent();
-            bool const direct = places.count(up.ObjectID()) || scene_.IsRootObject(up);
+            bool const direct = places.count(up.ObjectID()) || isAsTheOrigin(scene_, up);
             while (up.IsValid() && !places.count(up.ObjectID())) up = up.Parent();
             if (up.IsValid()) joint.parent = places[up.ObjectID()];
             source.above = XTransform(up);

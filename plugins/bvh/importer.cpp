@@ -3,6 +3,8 @@
 #include "plugins/bvh/scene_notes.h"
 #include "plugins/bvh/units.h"
 #include "tavo/animation/animation.h"
+#include "tavo/kinematics/character.h"
+#include "tavo/kinematics/kinematics_character.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,8 +52,11 @@ public:
     void deleteNamesakes() {
         XObject const origin = scene_.RootObject();
         for (std::size_t i = 0; i < clip_.joints.size(); ++i)
-            if (clip_.joints[i].parent < 0)
-                if (XObject old = origin.Child(names_[i]); old.IsValid()) old.Delete();
+            if (clip_.joints[i].parent < 0) deleteNamesakes(origin, names_[i]);
+    }
+    void characterize() {
+        for (std::size_t i = 0; i < clip_.joints.size(); ++i)
+            if (clip_.joints[i].parent < 0) joints_[i].Characterize();
     }
     void createJoints() {
         joints_.reserve(clip_.joints.size());
@@ -67,6 +72,13 @@ public:
     }
 
 private:
+    static void deleteNamesakes(XObject const& origin, std::wstring const& name) {
+        if (XObject old = origin.Child(name); old.IsValid()) old.Delete();
+        Qelutils::Vector<XObject> characters;
+        origin.ChildObjects(characters, XCharacter::TypeID);
+        for (XObject& character : characters)
+            if (XCharacter(character).KinematicsCharacter().CharacterRoot().Name() == name) character.Delete();
+    }
     void createJoint(Joint const& joint) {
         XObject const parent = joint.parent < 0 ? XObject(scene_.RootObject()) : joints_[std::size_t(joint.parent)];
         XJoint made(scene_.CreateObject(XJoint::TypeID, parent));
@@ -157,6 +169,7 @@ bool importClip(Clip const& clip, XScene& scene, ImportOptions const& options, I
     Importer importer(clip, scene, notes, options.angles, found);
     if (options.replace) importer.deleteNamesakes();
     importer.createJoints();
+    if (options.characterize) importer.characterize();
     if (options.resetTimeline) importer.setTimeRange();
     return true;
 }

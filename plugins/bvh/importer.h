@@ -19,8 +19,10 @@ struct ImportOptions {
     Positions positions = Positions::automatic;
     std::optional<Unit> unit;  // none: guessed
     Angles angles = Angles::degrees;
-    bool replace = false;       // what stands under the origin with the name of a root goes first, with all below it
+    bool replace = false;       // what stands under the origin with the name of a root goes first, with all below it;
+                                // so does a character whose root has that name
     bool resetTimeline = true;  // false: the scene's time, its range and the frame rate stay as they are
+    bool characterize = false;  // each skeleton becomes a character, and stays where it is
 };
 
 struct ImportReport {

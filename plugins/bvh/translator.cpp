@@ -41,6 +41,7 @@ bvh::ImportOptions optionsOf(XImportFile const& command) {
     options.angles = anglesOf(command.AngularUnits());
     options.replace = command.ImportMode().Enumeration() == XImportFile::ReplaceObjects;
     options.resetTimeline = command.ResetTimeline().Boolean();
+    options.characterize = command.Characterize().Boolean();
     return options;
 }
 
@@ -53,21 +54,13 @@ bvh::ExportOptions optionsOf(XExportFile const& command) {
     return options;
 }
 
-// The one place that would make characters of the imported skeletons.
-void characterize(std::wstring const& path) {
-    XApplication::Instance().LogInformation(L"%s: no character was made, for there are none in this version", path);
-}
-
 }  // namespace
 
 bool XBvhTranslatorDef::Import(XScene& scene, std::wstring const& path) {
     bvh::Clip clip;
     bvh::Error error;
     if (!bvh::readFile(Qelutils::toUtf8(path), clip, error)) return failed(path, error);
-    auto const command = parameters<XImportFile>();
-    if (!bvh::importClip(clip, scene, optionsOf(command))) return false;
-    if (command.IsValid() && command.Characterize().Boolean()) characterize(path);
-    return true;
+    return bvh::importClip(clip, scene, optionsOf(parameters<XImportFile>()));
 }
 
 bool XBvhTranslatorDef::Export(XScene& scene, std::wstring const& path) {

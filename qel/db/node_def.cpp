@@ -2,6 +2,17 @@
 #include <cassert>
 
 namespace db {
+namespace {
+
+// The elements of an array may be outputs too.
+std::uint32_t outputsOf(RowInfo const& row) {
+    std::uint32_t bits = row.def->outputBit < 0 ? 0 : 1u << row.def->outputBit;
+    if (!row.element) return bits;
+    for (RowInfo const& inner : row.element->rows) bits |= outputsOf(inner);
+    return bits;
+}
+
+}  // namespace
 
 NodeDef::NodeDef(wchar_t const* nameSpace, wchar_t const* classID, NodeDef const* base,
                  std::span<AttributeDef const> rows, std::size_t size, Construct construct) :
@@ -9,8 +20,7 @@ NodeDef::NodeDef(wchar_t const* nameSpace, wchar_t const* classID, NodeDef const
     classID_(classID), base_(base), topLevel_(collectRows(rows)), layout_(topLevel_, size),
     typeID_(Registry::getInstance().add(*this)), construct_(construct) {
     std::uint32_t affectedBy[32] = {};
-    for (RowInfo const& r : layout_.rows)
-        if (r.def->outputBit >= 0) outputs_ |= 1u << r.def->outputBit;
+    for (RowInfo const& r : layout_.rows) outputs_ |= outputsOf(r);
     // A base's row may name an output that only some of its types have; in the others nothing would ever clear its bit.
     for (RowInfo& r : layout_.rows) r.affects &= outputs_;
     for (RowInfo const& r : layout_.rows)

@@ -17,7 +17,7 @@ std::uint32_t affects(db::Attribute const& a) { return a.layout().rows[std::size
 
 // The bit of the node's state that says that this source is out of date.
 std::uint32_t ownBit(db::Attribute const& a) {
-    int const bit = a.has(db::Attribute::outside) ? -1 : a.getDef().outputBit;
+    int const bit = a.getDef().outputBit;
     return bit < 0 ? 0 : 1u << bit;
 }
 

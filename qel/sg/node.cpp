@@ -16,7 +16,6 @@ Node::~Node() {
 }
 
 std::uint32_t outputBits(db::Attribute const& a) {
-    if (a.has(db::Attribute::outside)) return 0;
     int const bit = a.getDef().outputBit;
     return bit < 0 ? 0 : a.node().getNodeDef().needs(bit);
 }
@@ -91,8 +90,10 @@ OutGroup* Node::groupOf(db::Attribute const& a, bool hierarchy) {
     return nullptr;
 }
 
+// The last first: what connects many inputs asks for them as they come, and the history takes them back the same way.
 int Node::inputOf(db::Attribute const& to) const {
-    for (std::size_t i = 0; i < inputCount; ++i)
+    if (!to.has(db::Attribute::live)) return -1;
+    for (std::size_t i = inputCount; i-- > 0;)
         if (inputs[i].to == &to) return int(i);
     return -1;
 }

@@ -131,31 +131,48 @@ constexpr Rows characterRows = {boolean(51, L"IsEditable")};
 // ---- solvers ----
 
 constexpr Rows solverParameterRows = {
-    enumeration(0, L"Mode", ikHandleModes), real(1, L"PositionWeight", 1), real(2, L"OrientationWeight", 1), integer(3, L"Depth"),
-    boolean(4, L"Enabled", true),
+    enumeration(0, L"Mode", ikHandleModes).doc(L"What the handle wants of its effector. A secondary one pulls only while it is pinned."),
+    channel(1, L"PositionWeight", 1).range(0, 1e30).doc(L"Against the other handles, where not all can have their way."),
+    channel(2, L"OrientationWeight", 1).range(0, 1e30),
+    channel(3, L"SecondaryWeight", 0).range(0, 1e30).doc(L"How much of its weights a secondary handle pulls with that is not pinned; it gives way to all others."),
+    boolean(4, L"Free", true).doc(L"Not pinned: a secondary handle follows its effector."),
 };
 constexpr Rows solverParameterElement = {compound(0, L"Parameters", solverParameterRows)};
 constexpr Rows jointIKParameterRows = {
-    boolean(0, L"Active", true), real(1, L"Stiffness"), real(2, L"RotationWeightX", 1), real(3, L"RotationWeightY", 1), real(4, L"RotationWeightZ", 1),
-    boolean(5, L"LimitActive"), boolean(6, L"PoleVectorActive"), matrix(7, L"ControlPole"), matrix(8, L"ReferencePole"),
+    boolean(0, L"IsJoint", true).doc(L"False for a transform between joints, which the solver leaves as it is."),
+    channel(1, L"Stiffness").range(0, 1e30).doc(L"The joint turns 1 / (1 + stiffness) as readily as others."),
+    channel(2, L"RotationWeightX", 1).range(0, 1e30).doc(L"How readily it turns about its own X axis; 0: not at all."),
+    channel(3, L"RotationWeightY", 1).range(0, 1e30), channel(4, L"RotationWeightZ", 1).range(0, 1e30),
+    boolean(5, L"LimitActive", true).doc(L"The limit below counts, as far as its parts are active."),
+    boolean(6, L"PoleVectorActive"), matrix(7, L"ControlPole"), matrix(8, L"ReferencePole"),
     enumeration(9, L"LimitType", limitTypes), matrix(10, L"LimitMatrix"), matrix(11, L"MovingOffsetMatrix"),
     boolean(12, L"Swing1Active"), real(13, L"Swing1Angle").unit(Angular), boolean(14, L"Swing2Active"), real(15, L"Swing2Angle").unit(Angular),
     boolean(16, L"TwistActive"), real(17, L"TwistAngle").unit(Angular), real(18, L"TwistOffset").unit(Angular),
 };
 constexpr Rows jointIKParameterElement = {compound(0, L"Parameters", jointIKParameterRows)};
+constexpr std::uint32_t solved = IKSolverNode::solvedBit;
+constexpr Rows solvedElement = {matrix(0, L"Matrix").output(0)};
 constexpr Rows ikSolverRows = {
+    boolean(1, L"AllowCompute", true).with(FlagInternal).affects(solved).doc(L"False while the rig is rebuilt: the node does not compute."),
     array(8, L"IKHandleReferences", T::PointerArray), array(9, L"EndEffectorTransforms", T::PointerArray), array(10, L"RootJoints", T::PointerArray),
-    array(11, L"JointHierarchy", T::IntegerArray), array(12, L"EndEffectorIndexList", T::IntegerArray), array(13, L"RootIndexList", T::IntegerArray),
-    attributeArray(14, L"InputTargets", matrixElement), attributeArray(15, L"BindPoses", matrixArrayElement),
-    attributeArray(16, L"InputGeometry", matrixElement), attributeArray(17, L"OutputGeometry", matrixElement),
-    boolean(18, L"IKHandleEnabled", true), boolean(19, L"IKSolverEnabled", true), boolean(20, L"DrawDebugLines"),
-    boolean(21, L"RootLocked"), boolean(22, L"LockRootX"), boolean(23, L"LockRootY"), boolean(24, L"LockRootZ"),
-    boolean(25, L"ContinuousMode"), integer(26, L"MaxIterations", 100), real(27, L"MoreBias"), real(28, L"ReverseBias"),
-    real(29, L"PositionAccuracy", 0.0001).unit(Linear), real(30, L"OrientationAccuracy", 0.001).unit(Angular), boolean(31, L"DisableAllLimits"),
-    attributeArray(32, L"IKHandleParams", solverParameterElement), attributeArray(33, L"JointIKParams", jointIKParameterElement),
+    array(11, L"JointHierarchy", T::IntegerArray).affects(solved).doc(L"The number of each joint's parent; -1 for the topmost root."),
+    array(12, L"EndEffectorIndexList", T::IntegerArray).affects(solved), array(13, L"RootIndexList", T::IntegerArray).affects(solved),
+    attributeArray(14, L"InputTargets", matrixElement).affects(solved), attributeArray(15, L"BindPoses", matrixArrayElement).affects(solved),
+    attributeArray(16, L"InputGeometry", matrixElement).affects(solved), attributeArray(17, L"OutputGeometry", solvedElement).affects(solved),
+    boolean(18, L"IKHandleEnabled", true).affects(solved), boolean(19, L"IKSolverEnabled", true).affects(solved), boolean(20, L"DrawDebugLines"),
+    boolean(21, L"RootLocked").affects(solved).doc(L"The topmost root does not move, only turn."),
+    boolean(22, L"LockRootX").affects(solved), boolean(23, L"LockRootY").affects(solved), boolean(24, L"LockRootZ").affects(solved),
+    boolean(25, L"ContinuousMode").affects(solved).doc(L"Each solve begins from the last one's result instead of the input geometry."),
+    integer(26, L"MaxIterations", 100).range(0, 1e6).affects(solved),
+    real(27, L"MoreBias").affects(solved).doc(L"Above 0, joints near the root turn more readily than those near the effectors."),
+    real(28, L"ReverseBias").affects(solved).doc(L"Above 0, joints near the effectors turn more readily than those near the root."),
+    real(29, L"PositionAccuracy", 0.0001).unit(Linear).range(0, 1e30).affects(solved).doc(L"A target this close is met."),
+    real(30, L"OrientationAccuracy", 0.001).unit(Angular).range(0, 1e30).affects(solved),
+    boolean(31, L"DisableAllLimits").affects(solved),
+    attributeArray(32, L"IKHandleParams", solverParameterElement).affects(solved), attributeArray(33, L"JointIKParams", jointIKParameterElement).affects(solved),
     array(34, L"AssociatedObjects", T::PointerArray),
 };
-static_assert(isSound(ikSolverRows, 8));
+static_assert(isSound(ikSolverRows, 1));
 constexpr Rows ikHandleRows = {
     pointer(51, L"IKSolverReference"), pointer(52, L"IKRootReference"), pointer(53, L"IKEffectorReference"), matrix(54, L"IKRootWorldMatrix"),
     matrix(55, L"IKEndEffectorWorldMatrix"), boolean(56, L"IKHandleEnabled", true), compound(57, L"SolverParameters", solverParameterRows),
@@ -170,21 +187,40 @@ constexpr Rows poleVectorRows = {
 };
 static_assert(isSound(poleVectorRows, 51));
 constexpr Rows retargetParameterRows = {
-    text(0, L"JointName"), pointer(1, L"Referent"), matrix(2, L"ReferentMatrix"), matrix(3, L"Origin"), boolean(4, L"HasParent"),
-    enumeration(5, L"Mode", retargetModes, 1), real(6, L"TranslationWeight", 1), real(7, L"RotationWeight", 1), real(8, L"Scale", 1),
-    boolean(9, L"Active", true), real(10, L"OffsetX"), real(11, L"OffsetY"), real(12, L"OffsetZ"),
+    text(0, L"JointName").doc(L"What joints are matched by."),
+    pointer(1, L"Referent").doc(L"The transform in whose frame the motion is copied: the joint itself, or none: its own motion; one that is above all joints: the world's."),
+    matrix(2, L"ReferentMatrix").doc(L"The axes in which the motion is measured, against the world's; the rotation counts."),
+    matrix(3, L"Origin").doc(L"The local matrix in the pose of reference."),
+    boolean(4, L"HasParent").doc(L"False for the first joint of a list."),
+    enumeration(5, L"Mode", retargetModes, 1).doc(L"How far origins correspond. Fixed: as they stand. Auto: arms and legs are turned to point where the source's do. Free: all bones are."),
+    real(6, L"TranslationWeight", 1).range(0, 1).doc(L"Share of the travel, and of what the source adds to its translation."),
+    real(7, L"RotationWeight", 1).range(0, 1).doc(L"0: as the parent carries it. 1: as the source turns."),
+    real(8, L"Scale", 1).doc(L"Of the translation, besides the ratio of the two skeletons."),
+    boolean(9, L"Active", true).doc(L"If not, the joint keeps its origin."),
+    real(10, L"OffsetX").unit(Angular).doc(L"Turned by this at last, about its own axes, X first."), real(11, L"OffsetY").unit(Angular), real(12, L"OffsetZ").unit(Angular),
     enumeration(13, L"LimitType", limitTypes), matrix(14, L"LimitMatrix"), matrix(15, L"MovingOffsetMatrix"),
     boolean(16, L"Swing1Active"), real(17, L"Swing1Angle").unit(Angular), boolean(18, L"Swing2Active"), real(19, L"Swing2Angle").unit(Angular),
     boolean(20, L"TwistActive"), real(21, L"TwistAngle").unit(Angular), real(22, L"TwistOffset").unit(Angular),
 };
 constexpr Rows retargetParameterElement = {compound(0, L"Parameters", retargetParameterRows)};
+using Q = RetargetNode;
+constexpr Rows retargetOutputElement = {matrix(0, L"Matrix").output(0)};
+constexpr std::uint32_t retargeted = Q::geometryBit, rerigged = Q::preparedBit | retargeted;
 constexpr Rows retargetRows = {
-    array(8, L"SourceJoints", T::PointerArray), array(9, L"TargetJoints", T::PointerArray), attributeArray(10, L"InputSourceGeometry", matrixElement),
-    attributeArray(11, L"OutputTargetGeometry", matrixElement), array(12, L"SourceHierarchy", T::IntegerArray),
-    array(13, L"TargetHierarchy", T::IntegerArray), boolean(14, L"Enabled", true), boolean(15, L"DrawDebugLines"),
-    attributeArray(16, L"SourceJointParams", retargetParameterElement), attributeArray(17, L"TargetJointParams", retargetParameterElement),
-    boolean(18, L"DisableAllLimits"), array(19, L"AssociatedObjects", T::PointerArray),
+    boolean(1, L"AllowCompute", true).with(FlagInternal).affects(rerigged).doc(L"False while a rig is rebuilt: the node does not compute."),
+    array(8, L"SourceJoints", T::PointerArray).affects(rerigged), array(9, L"TargetJoints", T::PointerArray).affects(rerigged),
+    attributeArray(10, L"InputSourceGeometry", matrixElement).affects(retargeted).doc(L"Local matrices of the source's joints."),
+    attributeArray(11, L"OutputTargetGeometry", retargetOutputElement).affects(retargeted).doc(L"Local matrices that the target's joints are to have."),
+    array(12, L"SourceHierarchy", T::IntegerArray).affects(rerigged), array(13, L"TargetHierarchy", T::IntegerArray).affects(rerigged),
+    boolean(14, L"Enabled", true).affects(retargeted).doc(L"If not, the target stands at its origins."), boolean(15, L"DrawDebugLines"),
+    attributeArray(16, L"SourceJointParams", retargetParameterElement).affects(rerigged),
+    attributeArray(17, L"TargetJointParams", retargetParameterElement).affects(rerigged),
+    boolean(18, L"DisableAllLimits").affects(retargeted), array(19, L"AssociatedObjects", T::PointerArray),
+    boolean(20, L"Prepared").with(FlagInternal | FlagHidden | FlagUnsaved).output(1).affects(retargeted),
+    array(21, L"MappedSources", T::IntegerArray).affects(rerigged).doc(L"Numbers of source joints that are matched as told; the others are matched by themselves."),
+    array(22, L"MappedTargets", T::IntegerArray).affects(rerigged).doc(L"The target joint of each."),
 };
+static_assert(isSound(retargetRows, 1));
 constexpr Rows jointRetargetParamsRows = {compound(51, L"Parameters", retargetParameterRows)};
 
 // ---- constraints ----

@@ -3,8 +3,10 @@
 #pragma once
 #include "qel/sg/animation_node.h"
 #include "qel/sg/constraint_nodes.h"
+#include "qel/sg/ik_solver_node.h"
 #include "qel/sg/joint_limit_node.h"
 #include "qel/sg/matrix_conversion_node.h"
+#include "qel/sg/retarget_node.h"
 #include "qel/sg/rig_nodes.h"
 #include "qel/sg/selection_node.h"
 #include "qel/sg/trajectory_node.h"
@@ -30,10 +32,8 @@ SG_NODE_TYPE(CharacterNode, TransformNode, L"Character")
 SG_NODE_TYPE(KinematicsCharacterNode, TransformNode, L"KinematicsCharacter")
 
 // solvers and constraints
-SG_NODE_TYPE(IKSolverNode, Node, L"IKSolver")
 SG_NODE_TYPE(IKHandleNode, TransformNode, L"IKHandle")
 SG_NODE_TYPE(JointIKParamsNode, Node, L"JointIKParams")
-SG_NODE_TYPE(RetargetNode, Node, L"Retarget")
 SG_NODE_TYPE(JointRetargetParamsNode, TransformNode, L"JointRetargetParams")
 SG_NODE_TYPE(MirrorConstraintNode, Node, L"MirrorConstraint")
 SG_NODE_TYPE(FloatProductNode, Node, L"FloatProduct")

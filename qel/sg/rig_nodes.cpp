@@ -12,6 +12,12 @@ namespace {
 
 Qelp::Vector3 vectorOf(float const (&v)[3]) { return {finite(v[0]), finite(v[1]), finite(v[2])}; }
 
+// Of the transform that has this channel.
+TransformInputs inputsOf(db::Attribute const* channel) {
+    if (!channel || !channel->hasParentNode(TransformNode::Def)) return {};
+    return static_cast<TransformNode&>(channel->node()).getInputs();
+}
+
 }  // namespace
 
 // ---- pole vector ----
@@ -81,10 +87,7 @@ bool PinNode::hold() {
     if (!at<db::BoolAttribute>(Pinned).getValue()) return false;
     callCompute(at<db::Attribute>(LocalMatrix));  // which brings the weights up to date
     if (share() == 0) return false;
-    TransformInputs in;
-    db::Attribute const* const channel = reference(TranslationReference);
-    if (channel && channel->hasParentNode(TransformNode::Def))
-        in = static_cast<TransformNode&>(channel->node()).getInputs();
+    TransformInputs const in = inputsOf(reference(TranslationReference));
     MatrixSplit split{heldPlace(share()),
                       vectorOf(in.preTranslation),
                       vectorOf(in.preRotation),

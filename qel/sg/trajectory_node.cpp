@@ -1,28 +1,14 @@
 #include "qel/sg/trajectory_node.h"
+#include "qel/sg/element_parts.h"
 #include "qel/sg/scene.h"
 #include "qel/utils/rotation.h"
 
 namespace sg {
 namespace {
 
-// The parts of a key that is an element of an array. The element is row 0 of its block; its parts follow.
-class KeyParts {
-public:
-    explicit KeyParts(db::Attribute const& key) :
-        block_(reinterpret_cast<char const*>(&key.block())), layout_(*key.block().layout) {}
-    template<class A> auto const& read(int row) const {
-        return reinterpret_cast<A const*>(block_ + layout_.offsets[std::size_t(row)])->raw();
-    }
-    int firstChildOf(int row) const { return layout_.rows[std::size_t(row)].firstChild; }
-
-private:
-    char const* block_;
-    db::Layout const& layout_;
-};
-
 PathKey readKey(db::Attribute const& key) {
     using T = TrajectoryNode;
-    KeyParts const parts(key);
+    ElementParts const parts(key);
     return {parts.read<db::IntAttribute>(1 + T::KeyParameter), parts.read<db::EnumAttribute>(1 + T::Interpolation),
             parts.read<db::Vector3Attribute>(1 + T::InHandle), parts.read<db::Vector3Attribute>(1 + T::Position),
             parts.read<db::Vector3Attribute>(1 + T::OutHandle)};
@@ -30,7 +16,7 @@ PathKey readKey(db::Attribute const& key) {
 
 PathRotationKey readRotationKey(db::Attribute const& key) {
     using T = TrajectoryNode;
-    KeyParts const parts(key);
+    ElementParts const parts(key);
     int const first = parts.firstChildOf(1 + T::Orientation);
     auto const real = [&](int row) { return parts.read<db::FloatAttribute>(row); };
     return {real(1 + T::AttachPoint),

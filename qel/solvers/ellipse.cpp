@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace sg {
 namespace {
@@ -61,17 +60,20 @@ PlanePoint nearestInQuadrant(Ellipse const& e, PlanePoint const& p) {
     return {e.x * cosine / length, e.y * sine / length};
 }
 
+PlanePoint swapped(PlanePoint const& p) { return {p.y, p.x}; }
+
 PlanePoint nearestOnBorder(Ellipse const& e, PlanePoint const& p) {
     PlanePoint const folded{std::abs(p.x), std::abs(p.y)};
-    PlanePoint near = nearestInQuadrant(e, folded);
-    if (e.x < e.y) {
-        near = nearestInQuadrant({e.y, e.x}, {folded.y, folded.x});
-        std::swap(near.x, near.y);
-    }
+    PlanePoint const near =
+        e.x >= e.y ? nearestInQuadrant(e, folded) : swapped(nearestInQuadrant({e.y, e.x}, swapped(folded)));
     return {std::copysign(near.x, p.x), std::copysign(near.y, p.y)};
 }
 
-double gauge(Ellipse const& e, PlanePoint const& p) { return std::hypot(p.x / e.x, p.y / e.y); }
+// 1 on the border.
+double gauge(Ellipse const& e, PlanePoint const& p) {
+    double const x = p.x / e.x, y = p.y / e.y;
+    return x * x + y * y;
+}
 
 // How far outside a strip, a segment or a point; negative inside.
 double distanceToBox(Ellipse const& e, PlanePoint const& p) {

@@ -46,8 +46,9 @@ void XCommandCatalogue::Register(XDatabase& settings) {
     // edits of the selected objects
     registerAll<XDeleteDef, XRemoveDef, XParentDef, XUnparentDef, XCopyDef, XPasteDef, XGroupDef, XSetKeyDef,
                 XAlignAxisDef, XFreezeTransformDef>(settings);
-    // characters and limits
-    registerAll<XCharacterizeDef, XAlignJointLimitDef, XAlignHingeOffsetDef>(settings);
+    // characters, limits and targets
+    registerAll<XCharacterizeDef, XAlignJointLimitDef, XAlignHingeOffsetDef, XSetConstraintTargetDef,
+                XClearConstraintTargetDef>(settings);
     // new objects
     registerAll<XCreateTransformDef, XCreateJointDef, XCreateJointLimitDef, XCreatePrimitiveDef>(settings);
     registerAll<XCreateKinematicsConstraintDef, XCreateAimConstraintDef, XCreateSkeletalConstraintDef,

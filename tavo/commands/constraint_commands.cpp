@@ -2,16 +2,16 @@
 #include "tavo/commands/selected.h"
 #include "tavo/kinematics/aim_constraint.h"
 #include "tavo/kinematics/kinematics_constraint.h"
+#include "tavo/kinematics/shape.h"
 #include "tavo/kinematics/wiring.h"
+#include "tavo/physics/physics_constraint.h"
+#include "tavo/physics/physics_joint.h"
 
 namespace Tavo {
 namespace {
 
 using Node = sg::TransformNode;
 using Transforms = Qelutils::Vector<XTransform>;
-
-// The first of three in a row, by number.
-constexpr int aimEuler = 11, constraintTranslation = 10, constraintRotation = 13;
 
 Transforms selectedTransforms(XScene& scene) {
     Transforms transforms;
@@ -38,7 +38,28 @@ Transforms namesakesOf(XTransform const& transform, std::vector<Transforms> cons
     return found;
 }
 
+// A physics joint means its first constraint, any other transform, or that of a shape, the constraint that it feeds.
+XPhysicsConstraint constraintOf(XObject const& object) {
+    if (XPhysicsJoint const joint(object); joint.IsValid()) return joint.PhysicsConstraint();
+    if (XPhysicsConstraint const constraint(object); constraint.IsValid()) return constraint;
+    XTransform const transform = XShape(object).IsValid() ? XShape(object).Transform() : XTransform(object);
+    return XPhysicsConstraint(transform.WorldMatrix().OutputObject(0));
+}
+
 }  // namespace
+
+void XSetConstraintTarget::onRun() {
+    Qelutils::Vector<XObject> selected = selectedObjects(Scene());
+    if (selected.size() < 2) return;
+    XTransform const target(selected.back());
+    selected.pop_back();
+    if (!target.IsValid()) return;
+    for (XObject const& object : selected) constraintOf(object).ConnectTarget(target);
+}
+
+void XClearConstraintTarget::onRun() {
+    for (XObject const& object : selectedObjects(Scene())) constraintOf(object).DisconnectTarget();
+}
 
 void XCreateKinematicsConstraint::onRun() {
     Qelutils::Vector<XObject> const selected = selectedObjects(Scene());
@@ -59,7 +80,8 @@ void XCreateAimConstraint::onRun() {
     constraint.ParentWorldIn().ConnectInputTo(chosen[0].ParentWorldMatrix());
     constraint.WorldIn().ConnectInputTo(chosen[1].WorldMatrix());
     constraint.UpVectorIn().ConnectInputTo(chosen[2].WorldMatrix());
-    feedThree(chosen[0], Node::Rotation, constraint, aimEuler);
+    feedThree(constraint, sg::AimConstraintNode::LocalTranslationIn, chosen[0], Node::Translation);
+    feedThree(chosen[0], Node::Rotation, constraint, sg::AimConstraintNode::LocalEulerOut);
     addResult(constraint);
 }
 
@@ -73,8 +95,8 @@ void XCreateSkeletalConstraint::onRun() {
         if (targets.empty() || !transform.IsValid()) continue;
         XKinematicsConstraint constraint(Scene().CreateObject(XKinematicsConstraint::TypeID));
         constraint.ParentWorldIn().ConnectInputTo(transform.ParentWorldMatrix());
-        feedThree(transform, Node::Translation, constraint, constraintTranslation);
-        feedThree(transform, Node::Rotation, constraint, constraintRotation);
+        feedThree(transform, Node::Translation, constraint, sg::KinematicsConstraintNode::LocalTranslationOut);
+        feedThree(transform, Node::Rotation, constraint, sg::KinematicsConstraintNode::LocalRotationOut);
         for (XTransform const& target : targets) constraint.AddTarget(target);
         addResult(constraint);
     }

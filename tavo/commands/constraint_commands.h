@@ -17,6 +17,10 @@ public:
 };
 using XCreateKinematicsConstraintDef = XTypedDef<XCreateKinematicsConstraint>;
 
+TAVO_COMMAND(XSetConstraintTarget, L"SetConstraintTarget",
+             L"Lets the targets of the selected physics constraints follow the last selected transform.")
+TAVO_COMMAND(XClearConstraintTarget, L"ClearConstraintTarget",
+             L"Lets the targets of the selected physics constraints follow nothing.")
 TAVO_COMMAND(XCreateAimConstraint, L"CreateAimConstraint",
              L"Lets the first of three selected transforms point at the second, the third being above.")
 TAVO_COMMAND(XCreateSkeletalConstraint, L"CreateSkeletalConstraint",

@@ -47,8 +47,8 @@ void XCoreTypes::RegisterSceneTypes(XDatabase& database) {
                 XNullDef>(database);
     registerAll<XCharacterDef, XJointLimitDef, XIKSolverDef, XIKHandleDef, XPoleVectorDef, XMeshInstanceDef,
                 XMatrixConversionDef>(database);
-    registerAll<XKinematicsCharacterDef, XKinematicsConstraintDef, XAimConstraintDef>(database);
     registerAll<XJointIKParamsDef, XRetargetDef, XJointRetargetParamsDef>(database);
+    registerAll<XKinematicsCharacterDef, XKinematicsConstraintDef, XAimConstraintDef>(database);
     // physics
     registerAll<XPhysicsCharacterDef, XPhysicsJointDef, XPhysicsJointLimitDef, XPhysicsBodyDef, XPhysicsConstraintDef,
                 XPhysicsMeshInstanceDef>(database);

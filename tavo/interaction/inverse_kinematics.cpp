@@ -12,10 +12,39 @@ namespace Tavo {
 namespace {
 
 using Objects = XInverseKinematics::Objects;
+using Solver = sg::IKSolverNode;
 
 Objects selectedObjects(XScene const& scene) {
     Objects objects;
     return scene.Selection().Objects(objects);
+}
+
+void placePole(XPoleVector pole, XMatrix const& world) {
+    if (XTransform referent = pole.Referent(); referent.IsValid()) referent.SetWorldMatrix(world);
+    pole.SetWorldMatrix(world);
+}
+
+// The solver reads poles in the space of the topmost root's parent. A pole that followed what the solver drives would
+// depend on itself: it follows that parent instead.
+void tieToRig(XPoleVector const& pole, XIKHandle const& handle) {
+    XTransform const root = handle.RootJoint();
+    pole.SpaceWorldMatrix().ConnectInputTo(root.ParentWorldMatrix());
+    XTransform referent = pole.Referent();
+    if (root.IsParentOf(referent)) referent.SetParent(root.ParentTransform());
+}
+
+// The pose of now becomes the one that the solver begins from. A reference pole rides with its joint from there on, so
+// that it begins where its control pole is.
+void takePoseOver(XIKSolver const& solver) {
+    sg::copyMatrices(*solver.getNode());
+    for (int j = 0; j < solver.JointIKParams().ArraySize(); ++j) {
+        XAttribute const parameters = solver.JointIKParams().Attribute(j);
+        auto const pole = [&](int number) {
+            return XPoleVector(parameters.Attribute(number).InputAttribute().InputObject());
+        };
+        XPoleVector const control = pole(Solver::ControlPole), reference = pole(Solver::ReferencePole);
+        if (control.IsValid() && reference.IsValid()) placePole(reference, control.WorldMatrix().Matrix());
+    }
 }
 
 }  // namespace
@@ -130,6 +159,7 @@ void XInverseKinematics::ClearAllBindPoses() {
 void XInverseKinematics::setIKBindPose(int mode) {
     XIKSolver solver = getSelectedIKSolver();
     if (!solver.IsValid()) return;
+    if (mode == AddBindPose) takePoseOver(solver);
     solver.AllowCompute().SetBoolean(false);
     XAttribute poses = solver.BindPoses();
     if (mode == AddBindPose) {
@@ -146,9 +176,9 @@ void XInverseKinematics::setIKBindPose(int mode) {
 
 // ---- pole vectors ----
 
-XTransform XInverseKinematics::createPole(Objects const& selected) {
+XPoleVector XInverseKinematics::createPole(Objects const& selected) {
     Scene().Selection().Select(selected);
-    return XTransform(Scene().RunCommand(L"CreatePoleVector"));
+    return XPoleVector(Scene().RunCommand(L"CreatePoleVector"));
 }
 
 void XInverseKinematics::SetPoleVectorPairs() {
@@ -158,16 +188,18 @@ void XInverseKinematics::SetPoleVectorPairs() {
     if (!getSelectedIKSolver().IsValid() || !handle.IsValid() || transforms.empty()) return;
     XTransform const joint(transforms.front());
     XPoleVector const control = createPole({joint, joint.ParentTransform(), handle.EndEffectorTransform()});
-    XPoleVector reference = createPole({joint, handle.ParentTransform()});
-    if (!control.IsValid() || !reference.IsValid()) return;
-    reference.SetWorldMatrix(control.WorldMatrix().Matrix());
+    if (!control.IsValid()) return;
+    XPoleVector const reference = createPole({joint, handle.ParentTransform()});
+    if (!reference.IsValid()) return;
+    for (XPoleVector const& pole : {control, reference}) tieToRig(pole, handle);
+    placePole(reference, control.WorldMatrix().Matrix());
     Objects parameters;
     joint.ChildObjects(parameters, XJointIKParams::TypeID);
     if (parameters.empty()) return;
     XAttribute const compound = XJointIKParams(parameters.back()).Parameters();
-    compound.Attribute(XJointIKParams::PoleVectorActivePart).SetBoolean(true);
-    compound.Attribute(XJointIKParams::ControlPolePart).ConnectInputTo(control.PoleVector());
-    compound.Attribute(XJointIKParams::ReferencePolePart).ConnectInputTo(reference.PoleVector());
+    compound.Attribute(Solver::PoleVectorActive).SetBoolean(true);
+    compound.Attribute(Solver::ControlPole).ConnectInputTo(control.PoleVector());
+    compound.Attribute(Solver::ReferencePole).ConnectInputTo(reference.PoleVector());
 }
 
 }  // namespace Tavo

@@ -1,6 +1,6 @@
-// XAimConstraint: turns a transform so that it points at a target, with an object that says where above is. Connect the
-// world matrices of both, and that of the transform's parent; the angles, of order "XYZ" and in radians, go to the
-// transform's rotation.
+// XAimConstraint: turns a transform so that its X axis points at a target, with an object that says where above is.
+// Connect the world matrices of both, that of the transform's parent, and the transform's translation: left alone, it
+// aims from its parent's origin. The angles, of order "XYZ" and in radians, go to the transform's rotation.
 #pragma once
 #include "qel/sg/node_types.h"
 #include "tavo/objects/attribute.h"
@@ -17,6 +17,7 @@ public:
     TAVO_ATTRIBUTE(UpVectorIn, 9)  // world matrix of the object that is above
     TAVO_ATTRIBUTE(ParentWorldIn, 10)
     TAVO_ATTRIBUTE_XYZ(LocalEulerOut, 11)  // output
+    TAVO_ATTRIBUTE_XYZ(LocalTranslationIn, 14)
 };
 using XAimConstraintDef = XTypedDef<XAimConstraint>;
 

@@ -1,4 +1,7 @@
 // XIKHandle: what a user drags to pose a chain: the target of one end effector of a solver.
+//
+// The graph has no cycles, so that a handle that is free does not move along with its transform from frame to frame; it
+// goes to it when it begins to matter: when it is pinned, and when it turns primary.
 #pragma once
 #include "tavo/kinematics/ik_solver.h"
 #include "tavo/kinematics/transform.h"
@@ -25,7 +28,14 @@ public:
     XIKSolver Solver() const { return XIKSolver(IKSolverReference().ObjectRef()); }
     XTransform RootJoint() const { return XTransform(IKRootReference().ObjectRef()); }
     XTransform EndEffectorTransform() const { return XTransform(IKEffectorReference().ObjectRef()); }
+    // A secondary handle lets its transform go until it is pinned: then it holds it at the place that the transform has
+    // at that time. Nothing happens without a pin.
+    bool IsPinned() const;
+    XIKHandle& SetPinned(bool pinned);
     void onInitialize() override;
+
+private:
+    sg::PinNode* pin() const;  // null without one
 };
 using XIKHandleDef = XTypedDef<XIKHandle>;
 

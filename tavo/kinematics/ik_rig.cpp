@@ -7,20 +7,17 @@
 namespace Tavo {
 namespace {
 
-// The numbers of attributes of nodes that have no handle class.
-enum PinNumber : int { PinTargets = 8, PinParentWorld = 9, PinFirstReference = 10, PinState = 19 };
-enum PinTargetPart : int { PinTargetMatrix = 0, PinTargetWeight = 2 };
-enum NotNumber : int { NotOutput = 6, NotInput = 7 };
-enum CopyMatrixNumber : int { CopiedMatrix = 8, CopyReference = 9 };
-// Children of XIKHandle::SolverParameters.
-enum SolverParameter : int { HandleMode = 0, NotPinned = 4 };
+using Pin = sg::PinNode;
+using Copy = sg::CopyMatrixNode;
+using Solver = sg::IKSolverNode;
+enum TargetPart : int { TargetMatrix = 0, TargetWeight = 2 };
 
 // What copies matrices into elements that are about to go: without them it has no purpose.
 void deleteCopies(XIKSolver const& solver) {
     Qelutils::Vector<XObject> children;
     solver.ChildObjects(children);
     for (XObject& child : children)
-        if (child.getNode()->isOfType(sg::CopyMatrixNode::Def)) child.DisconnectInputAttributes().Delete();
+        if (child.getNode()->isOfType(Copy::Def)) child.DisconnectInputAttributes().Delete();
 }
 
 void eraseElements(XAttribute array, std::vector<bool> const& erased) {
@@ -50,11 +47,13 @@ void XIKRig::build(Objects const& roots, Objects const& effectors) {
     _solver.AllowCompute().SetBoolean(true);
 }
 
+// The pose of now is asked for before the solver stops.
 void XIKRig::reset() {
+    if (_solver.OutputGeometry().ArraySize() > 0) _solver.OutputGeometry().Attribute(0).Matrix();
     _solver.SetName(XIKSolver::DefaultName);
     _solver.AllowCompute().SetBoolean(false);
     _solver.ContinuousMode().SetBoolean(false);
-    for (XAttribute const& array : {_solver.InputGeometry(), _solver.OutputGeometry(), _solver.JointIKParams()})
+    for (XAttribute const& array : {_solver.JointIKParams(), _solver.OutputGeometry(), _solver.InputGeometry()})
         clearConnected(array);
     for (XAttribute array :
          {_solver.JointHierarchy(), _solver.EndEffectorIndexList(), _solver.RootIndexList(), _solver.BindPoses()})
@@ -112,10 +111,11 @@ void XIKRig::addEffector(XTransform const& chosen) {
 void XIKRig::makePrimary(int effector) {
     if (_primary[std::size_t(effector)]) return;
     _primary[std::size_t(effector)] = true;
-    XIKHandle const promoted = handle(effector);
+    XIKHandle promoted = handle(effector);
     if (!promoted.IsValid()) return;
+    if (!promoted.IsPinned()) promoted.SetWorldMatrix(promoted.EndEffectorTransform().WorldMatrix().Matrix());
     promoted.IsPrimary().SetBoolean(true);
-    promoted.SolverParameters().Attribute(HandleMode).SetEnumeration(XIKHandle::PositionAndOrientation);
+    promoted.SolverParameters().Attribute(Solver::Mode).SetEnumeration(XIKHandle::PositionAndOrientation);
     XPrimitive(promoted.FindChildObject(XPrimitive::TypeID, SupportsObjectType)).Shape().SetEnumeration(0);
 }
 
@@ -138,7 +138,7 @@ void XIKRig::createHandle(int effector) {
     made.SetVisible(true).SetColour(XIKHandle::DefaultColour);
     made.IsPrimary().SetBoolean(_primary[std::size_t(effector)]);
     if (!_primary[std::size_t(effector)])
-        made.SolverParameters().Attribute(HandleMode).SetEnumeration(XIKHandle::Secondary);
+        made.SolverParameters().Attribute(Solver::Mode).SetEnumeration(XIKHandle::Secondary);
     connectHandle(made, t);
     made.SetWorldMatrix(t.WorldMatrix().Matrix());
     _solver.IKHandleReferences().AddObjectRef(made);
@@ -159,21 +159,22 @@ void XIKRig::connectHandle(XIKHandle const& made, XTransform const& effector) {
     made.IKEndEffectorWorldMatrix().SetMatrix(effector.WorldMatrix().Matrix());
     XObject const pin = createPin(effector);
     XObject const negation = _scene.CreateNode(sg::NotNode::ClassID, made);
-    negation.Attribute(NotOutput).ConnectOutputTo(made.SolverParameters().Attribute(NotPinned));
-    negation.Attribute(NotInput).ConnectInputTo(pin.Attribute(PinState));
+    negation.Attribute(sg::NotNode::Output).ConnectOutputTo(made.SolverParameters().Attribute(Solver::Free));
+    negation.Attribute(sg::NotNode::Input).ConnectInputTo(pin.Attribute(Pin::Pinned));
 }
 
 XObject XIKRig::createPin(XTransform const& effector) {
-    XObject const pin = _scene.CreateNode(sg::PinNode::ClassID, _solver);
-    XAttribute targets = pin.Attribute(PinTargets);
+    XObject const pin = _scene.CreateNode(Pin::ClassID, _solver);
+    XAttribute targets = pin.Attribute(Pin::InputMatrices);
     targets.SetArraySize(1);
-    targets.Attribute(0).Attribute(PinTargetMatrix).ConnectInputTo(effector.WorldMatrix());
-    targets.Attribute(0).Attribute(PinTargetWeight).SetFloat(1);
-    pin.Attribute(PinParentWorld).ConnectInputTo(effector.ParentWorldMatrix());
+    targets.Attribute(0).Attribute(TargetMatrix).ConnectInputTo(effector.WorldMatrix());
+    targets.Attribute(0).Attribute(TargetWeight).SetFloat(1);
+    pin.Attribute(Pin::ParentWorldIn).ConnectInputTo(effector.ParentWorldMatrix());
     XAttribute const pinned[] = {effector.TranslationX(), effector.TranslationY(), effector.TranslationZ(),
                                  effector.RotationX(),    effector.RotationY(),    effector.RotationZ(),
                                  effector.LocalMatrix(),  effector.WorldMatrix()};
-    for (int i = 0; i < int(std::size(pinned)); ++i) pin.Attribute(PinFirstReference + i).SetAttributeRef(pinned[i]);
+    for (int i = 0; i < int(std::size(pinned)); ++i)
+        pin.Attribute(Pin::TranslationReference + i).SetAttributeRef(pinned[i]);
     return pin;
 }
 
@@ -228,9 +229,9 @@ void XIKRig::readJoints() {
         XTransform const joint(_joints[j]);
         XAttribute const input = _solver.InputGeometry().Attribute(j);
         XAttribute(input).SetMatrix(joint.LocalMatrix().Matrix());
-        XObject const copy = _scene.CreateNode(sg::CopyMatrixNode::ClassID, _solver);
-        copy.Attribute(CopiedMatrix).ConnectInputTo(joint.LocalMatrix());
-        copy.Attribute(CopyReference).SetAttributeRef(input);
+        XObject const copy = _scene.CreateNode(Copy::ClassID, _solver);
+        copy.Attribute(Copy::Input).ConnectInputTo(joint.LocalMatrix());
+        copy.Attribute(Copy::OutputReference).SetAttributeRef(input);
     }
 }
 
@@ -252,7 +253,7 @@ void XIKRig::driveJoints() {
 
 // One that is no joint keeps its animation. Nothing here drives it, so that its matrix may flow in all the time.
 void XIKRig::followTransform(int transform) {
-    _solver.JointIKParams().Attribute(transform).Attribute(XJointIKParams::ActivePart).SetBoolean(false);
+    _solver.JointIKParams().Attribute(transform).Attribute(Solver::IsJoint).SetBoolean(false);
     feed(_solver.InputGeometry().Attribute(transform), XTransform(_joints[transform]).LocalMatrix());
 }
 
@@ -260,7 +261,7 @@ void XIKRig::feedParameters(int joint) {
     XObject parameters = _joints[joint].FindChildObject(XJointIKParams::TypeID, IsObjectType);
     if (!parameters.IsValid()) parameters = _scene.CreateObject(XJointIKParams::TypeID, _joints[joint]);
     XAttribute const compound = XJointIKParams(parameters).Parameters();
-    feedLimit(compound, XJointIKParams::LimitPart, XJoint(_joints[joint]));
+    feedLimit(compound, Solver::LimitType, XJoint(_joints[joint]));
     feed(_solver.JointIKParams().Attribute(joint), compound);
 }
 

@@ -9,6 +9,7 @@
 #pragma once
 #include "tavo/kinematics/ik_handle.h"
 #include "tavo/kinematics/ik_solver.h"
+#include "tavo/kinematics/pole_vector.h"
 
 namespace Tavo {
 
@@ -44,7 +45,7 @@ private:
     void initialiseIKSolver(XIKSolver const& solver, Objects const& roots, Objects const& effectors);
     void selectLastHandle(XIKSolver const& solver);
     void setIKBindPose(int mode);
-    XTransform createPole(Objects const& selected);
+    XPoleVector createPole(Objects const& selected);
 
     Objects _results;
 };

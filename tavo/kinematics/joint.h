@@ -37,8 +37,8 @@ public:
     // A new limit where the joint is, below the joint's parent, that follows the joint's translation and points its X
     // axis at the first child. Invalid for a joint that has one already, and for an object of a derived type.
     XJointLimit CreateJointLimit();
-    // Makes `limit` the limit of this joint instead of any other; its moving frame keeps its place in the world. An
-    // invalid limit only takes the old one away. Gives `limit` back.
+    // Makes `limit` the limit of this joint instead of any other; its moving frame keeps its place in the world, as
+    // long as the limit's Euler order is "XYZ". An invalid limit only takes the old one away. Gives `limit` back.
     XJointLimit& AssignJointLimit(XJointLimit& limit);
     XJoint& ClearJointLimit();   // lets go of it; the object stays
     XJoint& DeleteJointLimit();  // with the object

@@ -9,17 +9,9 @@ namespace Tavo {
 class XJointIKParams : public XTyped<XJointIKParams, XObject, sg::JointIKParamsNode> {
 public:
     static constexpr XWord TypeID = L"JointIKParams";
-    // Numbers of children of Parameters. Those of the limit follow one another as XLimitParameter tells.
-    enum Part : int {
-        ActivePart = 0,
-        PoleVectorActivePart = 6,
-        ControlPolePart = 7,
-        ReferencePolePart = 8,
-        LimitPart = 9
-    };
     using XTyped::XTyped;
 
-    TAVO_ATTRIBUTE(Parameters, 8)
+    TAVO_ATTRIBUTE(Parameters, 8)  // a compound; its children are numbered as sg::IKSolverNode::JointChild tells
 };
 using XJointIKParamsDef = XTypedDef<XJointIKParams>;
 

@@ -1,4 +1,5 @@
-// XPoleVector: the direction in which the middle of a chain bends.
+// XPoleVector: the direction in which the middle of a chain bends. A pole that a command has made follows a referent,
+// which goes with the chain: who wants the pole elsewhere moves the referent.
 #pragma once
 #include "tavo/kinematics/transform.h"
 
@@ -16,7 +17,10 @@ public:
     TAVO_ATTRIBUTE(EndEffector, 52)   // reference; of a control pole
     TAVO_ATTRIBUTE(Enabled, 53)
     TAVO_ATTRIBUTE(Weight, 54)
-    TAVO_ATTRIBUTE(PoleVector, 55)  // matrix, output
+    TAVO_ATTRIBUTE(PoleVector, 55)        // matrix, output
+    TAVO_ATTRIBUTE(SpaceWorldMatrix, 56)  // input: of the space in which the pole vector is given
+
+    XTransform Referent() const;  // invalid when the pole stands free
 
     void onInitialize() override;
 };

@@ -24,6 +24,9 @@ public:
     TAVO_ATTRIBUTE(DisableAllLimits, 18)
     TAVO_ATTRIBUTE(AssociatedObjects, 19)  // references: helpers that the rig owns, and that go with it
 
+    TAVO_ATTRIBUTE(MappedSources, 21)  // numbers of joints that are matched as told...
+    TAVO_ATTRIBUTE(MappedTargets, 22)  // ...and of those that follow them
+
     void Initialise();  // reads the arrays anew
     void onDelete() override;
 };
@@ -39,6 +42,7 @@ public:
         ReferentPart = 1,   // the transform in whose frame the joint's motion is measured
         OriginPart = 3,     // the joint's local matrix in the pose of reference
         HasParentPart = 4,  // false for the first joint of a list
+        ActivePart = 9,     // false: the joint keeps its origin
         LimitPart = 13,
     };
     using XTyped::XTyped;

@@ -47,8 +47,8 @@ void XRetargetRig::build(Objects const& source, Objects const& target) {
 void XRetargetRig::reset() {
     _node.SetName(XRetarget::DefaultName);
     _node.AllowCompute().SetBoolean(false);
-    for (XAttribute const& array : {_node.InputSourceGeometry(), _node.OutputTargetGeometry(),
-                                    _node.SourceJointParams(), _node.TargetJointParams()})
+    for (XAttribute const& array : {_node.TargetJointParams(), _node.SourceJointParams(), _node.OutputTargetGeometry(),
+                                    _node.InputSourceGeometry()})
         clearConnected(array);
     setSizes(0, {_node.SourceJoints(), _node.TargetJoints(), _node.SourceHierarchy(), _node.TargetHierarchy()});
     deleteAssociated(_node.AssociatedObjects());

@@ -1,5 +1,6 @@
 #include "tavo/kinematics/rig_parts.h"
 #include "tavo/kinematics/matrix_conversion.h"
+#include "tavo/kinematics/wiring.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/scene_graph.h"
 
@@ -21,11 +22,6 @@ void takeAnglesXYZ(XTransform joint) {
     joint.SetLocalMatrix(pose);
 }
 
-void connectXYZ(XObject const& source, int first, XObject const& target, int firstOfTarget) {
-    for (int axis = 0; axis < 3; ++axis)
-        source.Attribute(first + axis).ConnectOutputTo(target.Attribute(firstOfTarget + axis));
-}
-
 }  // namespace
 
 // ---- lists ----
@@ -45,8 +41,12 @@ int XObjectList::indexOf(XObject const& object) const {
     return place == _places.end() ? -1 : place->second;
 }
 
+void disconnectElements(XAttribute const& array) {
+    for (int i = array.ArraySize() - 1; i >= 0; --i) array.Attribute(i).Disconnect();
+}
+
 void clearConnected(XAttribute array) {
-    for (int i = 0, count = array.ArraySize(); i < count; ++i) array.Attribute(i).Disconnect();
+    disconnectElements(array);
     array.Clear();
 }
 
@@ -79,12 +79,12 @@ void driveJoint(XTransform joint, XAttribute const& matrix, bool translation, XA
     XMatrixConversion const conversion(joint.Scene().CreateObject(XMatrixConversion::TypeID));
     associated.AddObjectRef(conversion);
     conversion.InputMatrix().ConnectInputTo(matrix);
-    connectXYZ(joint, Node::PreRotation, conversion, Conversion::PreRotation);
-    connectXYZ(joint, Node::PostRotation, conversion, Conversion::PostRotation);
-    connectXYZ(conversion, Conversion::Rotation, joint, Node::Rotation);
+    feedThree(conversion, Conversion::PreRotation, joint, Node::PreRotation);
+    feedThree(conversion, Conversion::PostRotation, joint, Node::PostRotation);
+    feedThree(joint, Node::Rotation, conversion, Conversion::Rotation);
     if (!translation) return;
-    connectXYZ(joint, Node::PreTranslation, conversion, Conversion::PreTranslation);
-    connectXYZ(conversion, Conversion::Translation, joint, Node::Translation);
+    feedThree(conversion, Conversion::PreTranslation, joint, Node::PreTranslation);
+    feedThree(joint, Node::Translation, conversion, Conversion::Translation);
 }
 
 // ---- parameters ----
@@ -97,8 +97,7 @@ void feed(XAttribute target, XAttribute const& source) {
 
 void feedLimit(XAttribute const& parameters, int firstPart, XJoint const& joint) {
     auto const part = [&](int limitParameter) { return parameters.Attribute(firstPart + limitParameter); };
-    XJointLimit const limit(joint.JointLimitReference().ObjectRef());
-    if (limit.IsValid()) {
+    if (XJointLimit const limit = joint.JointLimit(); limit.IsValid()) {
         XAttribute const sources[] = {limit.LimitType(),    limit.LocalMatrix(), limit.MovingOffsetMatrix(),
                                       limit.Swing1Active(), limit.Swing1Angle(), limit.Swing2Active(),
                                       limit.Swing2Angle(),  limit.TwistActive(), limit.TwistAngle(),

@@ -38,8 +38,10 @@ private:
     std::unordered_map<int, int> _places;  // by id
 };
 
-// Empties an attribute array whose elements are connected.
-void clearConnected(XAttribute array);
+// Of the elements of an attribute array, the last one first: a node with many inputs lets go of its latest ones at
+// once.
+void disconnectElements(XAttribute const& array);
+void clearConnected(XAttribute array);  // and empties it
 // Deletes the objects that an array of references holds, last first, and empties it. What feeds them stays.
 void deleteAssociated(XAttribute array);
 void setReferences(XAttribute array, Qelutils::Vector<XObject> const& objects);

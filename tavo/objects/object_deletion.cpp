@@ -96,21 +96,18 @@ XObject& XObject::DeleteChildObjects() {
     return *this;
 }
 
-// What has a place in space is tied to what stands above and below it: it never goes for having fed something.
-bool XObject::isUnconnected() const {
-    if (isNodeOfType(sg::TransformBaseNode::Def)) return false;
-    return AttributeCount() > 0 && !HasInputAttributes() && !HasOutputAttributes();
-}
+bool XObject::isUnconnected() const { return AttributeCount() > 0 && !HasInputAttributes() && !HasOutputAttributes(); }
 
 void XObject::DeleteIfUnconnected() {
     if (isUnconnected()) Delete();
 }
 
+// What has a place in space is tied to what stands above and below it: it does not go for having fed something.
 XObject XObject::releaseInput(XAttribute& input) const {
     XObject const source = input.InputObject();
     if (!source.IsValid() || !source.SupportsDeletion() || source.IsParentOf(*this)) return {};
     input.DisconnectInput();
-    return source;
+    return source.isNodeOfType(sg::TransformBaseNode::Def) ? XObject() : source;
 }
 
 void XObject::DeleteInputObjects() {

@@ -7,17 +7,18 @@
 
 namespace Tavo {
 
-// The new character stands at the origin. What stood there too keeps its attributes to the bit, whatever the order of
-// its angles.
+// The new character stands at the origin. What stood there as well keeps its attributes to the bit, whatever the order
+// of its angles.
 XCharacter XTransform::Characterize() {
     if (XCharacter const character = Character(); character.IsValid()) return character;
     if (!IsValid() || !SupportsReparenting()) return {};
     XCharacter character(Scene().CreateObject(XCharacter::TypeID));
     if (!character.IsValid()) return {};
-    XObject const kinematics = Scene().CreateObject(XKinematicsCharacter::TypeID, character);
-    XObject const physics = Scene().CreateObject(XPhysicsCharacter::TypeID, character);
-    bool const moves = !ParentWorldMatrix().Matrix().IsIdentity(0);
-    SetParent(SupportsType(XPhysicsJoint::TypeID) ? physics : kinematics, false, moves);
+    XTransform const kinematics(Scene().CreateObject(XKinematicsCharacter::TypeID, character));
+    XTransform const physics(Scene().CreateObject(XPhysicsCharacter::TypeID, character));
+    XTransform const& part = SupportsType(XPhysicsJoint::TypeID) ? physics : kinematics;
+    bool const moves = !ParentWorldMatrix().Matrix().IsEqual(part.WorldMatrix().Matrix(), 0);
+    SetParent(part, false, moves);
     return character;
 }
 

@@ -41,6 +41,10 @@ public:
     TAVO_ATTRIBUTE(RelativeSpeedLimit, 76)
 
     XTransform PhysicsConstraintTarget() const;  // what feeds TargetInputMatrix; invalid when nothing does
+    // The target follows `source`, of a trajectory what moves along it, instead of anything else; or stands where it is
+    // and follows nothing. Nothing without a target or a source. Both give this constraint.
+    XTransform ConnectTarget(XTransform const& source);
+    XTransform DisconnectTarget();
 
     void onInitialize() override;
 };

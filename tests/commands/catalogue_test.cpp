@@ -30,11 +30,6 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
                                                       L"SampleTrajectoryAdaptively",
                                                       L"FitTrajectory",
                                                       L"ToSplineTrajectory",
-                                                      L"AlignJointLimit",
-                                                      L"AlignHingeOffset",
-                                                      L"CreateAimConstraint",       // of three transforms
-                                                      L"CreateSkeletalConstraint",  // no namesakes
-                                                      L"CreatePoleVector",          // of one branch
                                                       L"CreateIKRig",    // two roots without effectors
                                                       L"SetIKBindPose",  // no rig
                                                       L"ClearLastIKBindPose",
@@ -48,6 +43,13 @@ TEST_F(Catalogue, EachCommandIsOneStepThatUndoAndRedoMoveToTheByte) {
                                                       L"RetargetSetJointReferent",
                                                       L"RetargetSetJointReferentToWorld",
                                                       L"RetargetResetJointReferents",
+                                                      L"AlignJointLimit",
+                                                      L"AlignHingeOffset",
+                                                      L"SetConstraintTarget",
+                                                      L"ClearConstraintTarget",
+                                                      L"CreateAimConstraint",       // of three transforms
+                                                      L"CreateSkeletalConstraint",  // no namesakes
+                                                      L"CreatePoleVector",          // of one branch
                                                       L"ZoomToFit",
                                                       L"ImportFile",  // without dialogs
                                                       L"ExportFile",
@@ -235,6 +237,8 @@ TEST_F(Catalogue, EachCommandHasItsNodeAndTellsWhatItDoes) {
                                 L"Characterize",
                                 L"AlignJointLimit",
                                 L"AlignHingeOffset",
+                                L"SetConstraintTarget",
+                                L"ClearConstraintTarget",
                                 L"CreateJointLimit",
                                 L"CreateKinematicsConstraint",
                                 L"CreateAimConstraint",

@@ -348,6 +348,8 @@ TEST_F(IKRig, ALimitOfTheTopmostRootDependsOnNothingThatDependsOnIt) {
     EXPECT_TRUE(log.entries.empty());
     XAttribute const parameters = parametersOf(hips).Parameters(), read = solver.JointIKParams().Attribute(0);
     expectFed(parameters, 9, partsOf(limit));
+    for (int i = 0; i <= 18; ++i)
+        EXPECT_EQ(read.Attribute(i).InputAttribute(), i == 10 ? XAttribute() : parameters.Attribute(i)) << i;
     EXPECT_THAT(numbers(read.Attribute(10)), testing::Pointwise(testing::FloatNear(1e-5f), frame));
 }
 
@@ -371,6 +373,7 @@ TEST_F(IKRig, ASecondaryHandleTurnsPrimaryWithABox) {
     runOn({handle(solver, 0), spine}, L"SetIKEndEffectors");
     EXPECT_EQ(primary(solver), (std::vector<bool>{true, true, false}));
     EXPECT_EQ(handle(solver, 1), promoted);
+    EXPECT_SAME_MATRIX(promoted.WorldMatrix(), spine.WorldMatrix());
     EXPECT_EQ(selected(), Objects{handle(solver, 2)});
 }
 
@@ -485,6 +488,57 @@ TEST_F(IKRig, BindPosesAreAddedAndTakenAway) {
     EXPECT_EQ(count(L"ClearAllIKBindPoses"), 0);
     EXPECT_EQ(count(L"ClearLastIKBindPose"), 0);
     EXPECT_EQ(count(L"SetIKBindPose"), 1);
+}
+
+// ---- poles ----
+
+TEST_F(IKRig, AJointGetsAControlPoleAndAReferencePoleAtItsPlace) {
+    XIKSolver const solver = rig({hips, chest});
+    runOn({handle(solver, 0), spine}, L"SetIKPoleVectorPairs");
+    EXPECT_TRUE(log.entries.empty());
+    XAttribute const parameters = parametersOf(spine).Parameters();
+    EXPECT_TRUE(parameters.Attribute(6).Boolean());
+    XPoleVector const control(parameters.Attribute(7).InputObject()), reference(parameters.Attribute(8).InputObject());
+    EXPECT_EQ(parameters.Attribute(7).InputAttribute(), control.PoleVector());
+    EXPECT_EQ(parameters.Attribute(8).InputAttribute(), reference.PoleVector());
+    EXPECT_EQ(control.Name(), L"spine_controlPole");
+    EXPECT_EQ(control.ControlJoint().ObjectRef(), spine);
+    EXPECT_EQ(control.EndEffector().ObjectRef(), chest);
+    EXPECT_EQ(reference.Name(), L"spine_referencePole");
+    EXPECT_EQ(reference.ControlJoint().ObjectRef(), spine);
+    EXPECT_FALSE(reference.EndEffector().ObjectRef().IsValid());
+    EXPECT_SAME_MATRIX(reference.WorldMatrix(), control.WorldMatrix());
+    EXPECT_EQ(selected(), Objects{reference});
+}
+
+TEST_F(IKRig, PolesAreReadInTheSpaceOfTheTargets) {
+    prop.SetRotationEulerAngles(0.1f, 0.2f, 0.3f);
+    hips.SetParent(prop);
+    XIKSolver const solver = rig({hips, chest});
+    runOn({handle(solver, 0), spine}, L"SetIKPoleVectorPairs");
+    for (int part : {7, 8}) {
+        XPoleVector const pole(parametersOf(spine).Parameters().Attribute(part).InputObject());
+        EXPECT_EQ(pole.SpaceWorldMatrix().InputAttribute(), hips.ParentWorldMatrix());
+        XMatrix local = pole.WorldMatrix().Matrix();
+        local.Multiply(XMatrix(prop.WorldMatrix().Matrix()).Invert());
+        EXPECT_TRUE(pole.PoleVector().Matrix().Translation().IsEqual(local.Translation(), 1e-5f));
+    }
+}
+
+TEST_F(IKRig, PolesNeedARigAHandleAndATransformBesideIt) {
+    XIKSolver const solver = rig({hips, chest});
+    EXPECT_TRUE(changesNothing({handle(solver, 0)}, L"SetIKPoleVectorPairs"));
+    EXPECT_TRUE(changesNothing({spine, leg}, L"SetIKPoleVectorPairs"));
+    EXPECT_TRUE(log.entries.empty());
+    runOn({handle(solver, 0), prop}, L"SetIKPoleVectorPairs");
+    EXPECT_EQ(log.errors(), std::vector<std::wstring>{L"Selected transforms must be in same hierarchy branch"});
+    EXPECT_FALSE(parametersOf(prop).IsValid());
+}
+
+TEST_F(IKRig, PolesAreAStepThatUndoAndRedoMoveToTheByte) {
+    XIKSolver const solver = rig({hips, chest});
+    select({handle(solver, 0), spine});
+    expectUndoable(L"SetIKPoleVectorPairs");
 }
 
 // ---- results ----

@@ -39,14 +39,8 @@ protected:
             EXPECT_TRUE(part.getAttribute()->compare(*sources[i].getAttribute())) << Qelutils::toUtf8(part.Path());
         }
     }
-    // A limit beside the joint, at its place, each side naming the other.
-    static XJointLimit limited(XJoint const& joint) {
-        XJointLimit limit(scene().CreateObject(XJointLimit::TypeID, joint.Parent()));
-        limit.JointReference().SetObjectRef(joint);
-        joint.JointLimitReference().SetObjectRef(limit);
-        joint.WorldMatrix().ConnectOutputTo(limit.JointWorldMatrix());
-        joint.LocalMatrix().ConnectOutputTo(limit.JointLocalMatrix());
-        for (int axis = 0; axis < 3; ++axis) joint.Attribute(21 + axis).ConnectOutputTo(limit.Attribute(21 + axis));
+    static XJointLimit limited(XJoint joint) {
+        XJointLimit const limit = joint.CreateJointLimit();
         limit.LimitType().SetEnumeration(1);
         limit.Swing1Angle().SetFloat(0.3f);
         limit.Swing2Active().SetBoolean(false);

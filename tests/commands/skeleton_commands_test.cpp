@@ -120,7 +120,7 @@ TEST_F(SkeletonCommands, TheInitialRotationSaysWhichAxisPointsAlongTheBone) {
         XJointLimit const limit(run(L"CreateJointLimit"));
         ASSERT_TRUE(limit.IsValid());
         for (int i = 0; i < 3; ++i) EXPECT_EQ(isNear(axis(limit, i), direction(spine, chest)), i == row.axis);
-        if (row.axis < 0) EXPECT_EQ(limit.RotationY().Float(), 0) << "as the parameters say";
+        EXPECT_EQ(limit.RotationY().Float() == 0, row.axis < 0) << "then it is as the parameters say";
     }
 }
 
@@ -166,10 +166,9 @@ TEST_F(SkeletonCommands, HingesAreThoseOfTheActiveSceneWhateverSceneTheCommandWo
     limit.JointReference().SetObjectRef(joint);
     limit.LimitType().SetEnumeration(1);
     limit.SetRotationEulerAngles(0.5f, 0, 0);
-    XScene other;
-    other.Register();
-    XCoreTypes::RegisterSceneTypes(other);
-    other.New();
+    XScene& other = application().GetScene(application().AddScene());
+    application().SetActiveScene(0);
+    ASSERT_NE(&other, &scene());
     other.RunCommand(L"AlignHingeOffset");
     EXPECT_NEAR(limit.MovingOffsetX().Float(), 0.5f, 1e-6f);
 }
@@ -230,7 +229,13 @@ TEST_F(SkeletonCommands, TheFirstOfThreeAimsAtTheSecondUnderTheThird) {
     EXPECT_EQ(constraint.WorldIn().InputAttribute(), leg.WorldMatrix());
     EXPECT_EQ(constraint.UpVectorIn().InputAttribute(), up.WorldMatrix());
     EXPECT_TRUE(feeds(constraint, 11, prop, Rotation));
+    EXPECT_TRUE(feeds(prop, Translation, constraint, 14));
     EXPECT_FALSE(prop.TranslationX().HasInput());
+    for (float height : {0.f, 3.f, -2.f}) {
+        leg.SetTranslation(0.5f, height, -1);
+        EXPECT_TRUE(isNear(prop.WorldMatrix().Matrix().XAxis(), direction(prop, leg)));
+        EXPECT_GT(prop.WorldMatrix().Matrix().YAxis().DotProduct(direction(prop, up)), 0);
+    }
 }
 
 TEST_F(SkeletonCommands, EveryTransformOfTheFirstHierarchyFollowsItsNamesakes) {
@@ -268,6 +273,82 @@ TEST_F(SkeletonCommands, WithoutNamesakesNothingIsConstrained) {
     EXPECT_TRUE(log.entries.empty()) << "where hierarchies overlap, nothing follows itself";
 }
 
+// ---- targets of physics constraints ----
+
+struct Targets : SkeletonCommands {
+    Targets() {
+        joint = scene().CreateObject(XPhysicsJoint::TypeID);
+        pull = scene().CreateObject(XPhysicsConstraint::TypeID, joint);
+        handle = plain(L"handle", scene().RootObject(), {});
+        shape = scene().CreateObject(XPrimitive::TypeID, handle);
+        pull.TargetInputMatrix().ConnectInputTo(handle.WorldMatrix());
+    }
+    XObject source() const {
+        return XMatrixConversion(handle.TranslationX().InputObject()).InputMatrix().InputObject();
+    }
+    bool isFree() const {
+        for (int number = Translation; number < Rotation + 3; ++number)
+            if (handle.Attribute(number).HasInput()) return false;
+        return true;
+    }
+
+    XPhysicsJoint joint;
+    XPhysicsConstraint pull;
+    XTransform handle;
+    XPrimitive shape;
+};
+
+TEST_F(Targets, TheJointItsConstraintItsTargetAndTheTargetsShapeMeanTheSame) {
+    for (XObject const& way : {XObject(joint), XObject(pull), XObject(handle), XObject(shape)}) {
+        select({way, prop});
+        run(L"SetConstraintTarget");
+        XMatrixConversion const conversion(handle.TranslationX().InputObject());
+        EXPECT_EQ(conversion.Parent(), handle);
+        EXPECT_EQ(conversion.InputMatrix().InputAttribute(), prop.WorldMatrix());
+        EXPECT_TRUE(feeds(conversion, 18, handle, Translation) && feeds(conversion, 21, handle, Rotation));
+        EXPECT_TRUE(isNear(handle.WorldTranslation(), prop.WorldTranslation()));
+        select({way});
+        run(L"ClearConstraintTarget");
+        EXPECT_TRUE(isFree());
+        EXPECT_FALSE(conversion.IsValid());
+        EXPECT_TRUE(prop.IsValid());
+    }
+}
+
+TEST_F(Targets, TheLastSelectedOneMustBeATransformAndNotTheOnlyOne) {
+    for (Objects const& wrong :
+         {Objects{}, Objects{joint}, Objects{joint, box}, Objects{prop, leg}, Objects{box, leg}}) {
+        select(wrong);
+        run(L"SetConstraintTarget");
+        EXPECT_TRUE(isFree());
+    }
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(Targets, ANewTargetTakesThePlaceOfTheOldOne) {
+    select({joint, prop});
+    run(L"SetConstraintTarget");
+    XObject const first = handle.TranslationX().InputObject();
+    select({joint, leg});
+    run(L"SetConstraintTarget");
+    EXPECT_EQ(source(), leg);
+    EXPECT_FALSE(first.IsValid());
+    undo();
+    EXPECT_EQ(source(), prop);
+}
+
+TEST_F(Targets, OfATrajectoryItIsWhatMovesAlongIt) {
+    XTrajectory const path(scene().CreateObject(XTrajectory::TypeID));
+    pull.ConnectTarget(path);
+    XMatrixConversion const conversion(handle.TranslationX().InputObject());
+    EXPECT_EQ(conversion.InputMatrix().InputAttribute(), path.WorldCurveMatrix());
+    pull.ConnectTarget(XTransform());
+    EXPECT_EQ(source(), path);
+    XPhysicsConstraint(scene().CreateObject(XPhysicsConstraint::TypeID)).ConnectTarget(prop);
+    XPhysicsConstraint().DisconnectTarget();
+    EXPECT_TRUE(log.entries.empty());
+}
+
 // ---- poles ----
 
 struct Poles : SkeletonCommands {
@@ -275,10 +356,6 @@ struct Poles : SkeletonCommands {
     static float offPlane(XVector3 const& p, XVector3 const& a, XVector3 const& b, XVector3 const& c) {
         XVector3 normal = XVector3().CrossProduct(XVector3().Subtract(b, a), XVector3().Subtract(c, a));
         return XVector3().Subtract(p, a).DotProduct(normal.Normalize());
-    }
-    static XTransform referentOf(XPoleVector const& pole) {
-        XKinematicsConstraint const constraint(pole.TranslationX().InputObject());
-        return XTransform(target(constraint, 0));
     }
 };
 
@@ -314,14 +391,20 @@ TEST_F(Poles, APoleFollowsItsReferentBelowTheTopOfTheChain) {
     EXPECT_EQ(constraint.ParentWorldIn().InputAttribute(), pole.ParentWorldMatrix());
     EXPECT_TRUE(feeds(constraint, 10, pole, Translation));
     EXPECT_FALSE(pole.RotationX().HasInput());
-    XTransform const referent = referentOf(pole);
+    XTransform referent = pole.Referent();
     EXPECT_EQ(referent.Name(), L"spine_controlPole_referent");
     EXPECT_EQ(referent.Parent(), hips);
+    hips.SetRotationEulerAngles(0.3f, 1, -0.2f);
+    EXPECT_TRUE(isNear(pole.WorldTranslation(), referent.WorldTranslation()));
+    referent.SetWorldTranslation(5, 6, 7);
+    EXPECT_TRUE(isNear(pole.WorldTranslation(), XVector3(5, 6, 7)));
+    EXPECT_FALSE(XPoleVector(scene().CreateObject(XPoleVector::TypeID)).Referent().IsValid());
+    EXPECT_FALSE(XPoleVector().Referent().IsValid());
 }
 
 TEST_F(Poles, APoleStandsInThePlaneOfTheBonesOnTheSideToWhichTheyBend) {
     select({hips, spine, chest});
-    XTransform const referent = referentOf(XPoleVector(run(L"CreatePoleVector")));
+    XTransform const referent = XPoleVector(run(L"CreatePoleVector")).Referent();
     XVector3 const at = referent.WorldTranslation(), a = hips.WorldTranslation(), b = spine.WorldTranslation(),
                    c = chest.WorldTranslation();
     EXPECT_NEAR(offPlane(at, a, b, c), 0, 1e-5f);
@@ -336,7 +419,7 @@ TEST_F(Poles, AStraightChainHasItsPoleAcrossTheLine) {
         XTransform const a = plain(L"a", scene().RootObject(), {1, 1, 1}), b = plain(L"b", a, along),
                          c = plain(L"c", b, along);
         select({a, b, c});
-        XTransform const referent = referentOf(XPoleVector(run(L"CreatePoleVector")));
+        XTransform const referent = XPoleVector(run(L"CreatePoleVector")).Referent();
         XVector3 const step = XVector3().Subtract(referent.WorldTranslation(), b.WorldTranslation());
         EXPECT_NEAR(step.DotProduct(along), 0, 1e-5f);
         float const length = along.Magnitude();

@@ -63,6 +63,15 @@ TEST_F(Characters, WhatStoodBelowSomethingKeepsItsPlaceInTheWorld) {
     EXPECT_FALSE(hips.Character().IsValid());
 }
 
+TEST_F(Characters, WhatStoodAtTheOriginBelowSomethingThatWasMovedStaysToo) {
+    scene().RootObject().SetTranslation(1, 0, 0);
+    XTransform back(scene().CreateObject(XTransform::TypeID));
+    back.SetTranslation(-1, 0, 0);
+    XTransform child(scene().CreateObject(XTransform::TypeID, back));
+    child.Characterize();
+    EXPECT_TRUE(world(child).IsIdentity());
+}
+
 TEST_F(Characters, ASecondTimeGivesTheSameCharacter) {
     XCharacter const character = hips.Characterize();
     int const count = objectCount();

@@ -293,6 +293,16 @@ TEST_F(Object, DeleteTakesChildrenAndInputsThatNothingElseNeeds) {
     EXPECT_EQ(a.Attribute(L"y").InputObject(), shared);
 }
 
+TEST_F(Object, AnInputThatHasAPlaceInSpaceStays) {
+    XObject a = named(L"a"), feeder = make(L"Transform");
+    a.AddFloatAttribute(L"x").ConnectInputTo(feeder.AddFloatAttribute(L"out"));
+    a.Delete();
+    EXPECT_FALSE(a.IsValid());
+    EXPECT_TRUE(feeder.IsValid());
+    feeder.DeleteIfUnconnected();
+    EXPECT_FALSE(feeder.IsValid()) << "when it is asked for itself";
+}
+
 TEST_F(Object, AParentThatFeedsItsChildStays) {
     XObject a = named(L"a"), child = named(L"child", a);
     child.AddFloatAttribute(L"x").ConnectInputTo(a.AddFloatAttribute(L"out"));

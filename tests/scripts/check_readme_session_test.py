@@ -46,6 +46,11 @@ class CheckReadmeSession(unittest.TestCase):
         self.assertEqual(self.check(page, "--update").returncode, 1)
         self.assertEqual(self.page.read_text(), page)
 
+    def test_keep_copies_what_the_commands_left(self):
+        with tempfile.TemporaryDirectory() as name:
+            self.assertEqual(self.check(PAGE.format("two"), "--keep", name).returncode, 0)
+            self.assertEqual([(f.name, f.read_text()) for f in Path(name).iterdir()], [("two.txt", "two\n")])
+
     def test_without_a_host_it_is_skipped(self):
         self.host.unlink()
         self.assertEqual(self.check(PAGE.format("two")).returncode, 77)

@@ -130,17 +130,18 @@ TEST(PathPictures, AnEarlierStateLiesBeneathInDashes) {
 
 TEST(PathPictures, SafeGuardsAreCirclesOfTheirSize) {
     PathState state = accelerating();
-    state.guards = {{{2, 0, 0}, 0.5, true}, {{4, 0, 0}, 0.25, false}};
+    state.guards = {{{2, 0, 0}, 0.5, 0, true}, {{4, 0, 0}, 0.25, 0.25, false}};
     Picture const picture(drawPaths(one(state)));
     auto const guards = picture.ofClass("guard");
     ASSERT_EQ(guards.size(), 2u);
     EXPECT_NEAR(guards[0].number("r"), 2 * guards[1].number("r"), 0.02);
+    EXPECT_EQ(picture.ofClass("guard-range").at(1).attribute("r"), guards[0].attribute("r"));
     EXPECT_TRUE(picture.says("safe guard"));
 }
 
 TEST(PathPictures, AHugeSafeGuardDoesNotMakeThePathADot) {
     PathState state = accelerating();
-    state.guards = {{{2, 0, 0}, 1000, true}};
+    state.guards = {{{2, 0, 0}, 1000, 1, true}};
     auto const line = pointsOf(Picture(drawPaths(one(state))).ofClass("line").at(0));
     EXPECT_GT(line[3].first - line[0].first, 400);
 }

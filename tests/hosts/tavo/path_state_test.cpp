@@ -88,8 +88,11 @@ TEST_F(PathStates, SpeedIsThatBetweenTheTimingKeysAround) {
     std::vector<PathState::Moment> const motion = readPath(path).motion;
     EXPECT_NEAR(motion.front().speed, 3, 1e-4);
     EXPECT_NEAR(motion.back().speed, 1.5, 1e-4);
-    auto const middle = std::find_if(motion.begin(), motion.end(), [](auto const& m) { return m.time >= 1; });
-    EXPECT_NEAR(middle->speed, 2, 1e-4);
+    auto const speedAt = [&](double time) {
+        return std::find_if(motion.begin(), motion.end(), [=](auto const& m) { return m.time >= time - 1e-6; })->speed;
+    };
+    EXPECT_NEAR(speedAt(1), 2, 1e-4);
+    EXPECT_NEAR(speedAt(0.5), 2.5, 1e-4);
 }
 
 TEST_F(PathStates, SpeedBackwardsIsNoLess) {
@@ -120,12 +123,13 @@ TEST_F(PathStates, AnEmptyTrajectoryIsEmpty) {
 
 TEST_F(PathStates, SafeGuardsSayWhetherTheyAreUsed) {
     path.SetTranslation(0, 1, 0);
-    path.AddSafeGuard(XVector3(1, 0, 0), 0.5F, XDropOff());
+    path.AddSafeGuard(XVector3(1, 0, 0), 0.5F, XDropOff(0.25F));
     path.UseSafeGuards(false);
     PathState const state = readPath(path);
     ASSERT_EQ(state.guards.size(), 1u);
     expectAt(state.guards[0].centre, 1, 1, 0);
     EXPECT_FLOAT_EQ(float(state.guards[0].radius), 0.5F);
+    EXPECT_FLOAT_EQ(float(state.guards[0].range), 0.25F);
     EXPECT_FALSE(state.guards[0].isUsed);
     path.UseSafeGuards(true);
     EXPECT_TRUE(readPath(path).guards[0].isUsed);

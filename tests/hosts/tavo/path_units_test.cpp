@@ -126,31 +126,37 @@ TEST_F(PathUnits, DistancesAgreeWithADenseSearch) {
     std::uniform_real_distribution<float> number(-3, 3);
     auto const point = [&] { return XVector3(number(random), number(random), number(random)); };
     for (int i = 0; i < 12; ++i) path.AppendTranslationKeyframe(point(), point());
-    Closeness const closeness(path, 2000);
-    for (int i = 0; i < 200; ++i) {
+    Closeness const closeness(path, 32);
+    for (int i = 0; i < 100; ++i) {
         XVector3 const from = point();
         double least = 1e9;
-        for (int k = 0; k <= 20000; ++k) {
+        for (int k = 0; k <= 5000; ++k) {
             XVector3 place;
-            path.ComputePosition(float(k) / 20000, place);
+            path.ComputePosition(float(k) / 5000, place);
             least = std::min(least, double(place.DistanceTo(from)));
         }
-        double const found = closeness.distance(from.AsVector(), double(i) / 200);
-        EXPECT_NEAR(found, least, 2e-3) << i;
+        double const found = closeness.distance(from.AsVector(), double(i) / 100);
+        EXPECT_LE(found, least + 2e-3) << i;  // of two places alike far away it may take the other
+        EXPECT_GE(found, least - 1e-3) << i;  // as coarse as the search
     }
 }
 
 TEST_F(PathUnits, PlacesOfAPathLieOnIt) {
     straight(5);
-    Closeness const closeness(path, 50);
-    for (float x : {0.F, 0.37F, 4.F}) EXPECT_NEAR(closeness.distance({x, 0, 0, 0}, 0), 0, 1e-6);
+    Closeness const closeness(path, 7);
+    for (float x : {0.F, 0.37F, 4.F}) EXPECT_NEAR(closeness.distance({x, 0, 0, 0}, 0), 0, 1e-5);
     EXPECT_NEAR(closeness.distance({6, 0, 0, 0}, 0.5), 2, 1e-6) << "beyond its end";
     EXPECT_NEAR(closeness.distance({2, 3, 4, 0}, 7), 5, 1e-6) << "whatever the guess";
 }
 
+TEST_F(PathUnits, ATightCornerIsNotCutOff) {
+    append({{0, 0, 0}, {1, 0, 0}, {1, 1e-4F, 0}, {0, 1e-4F, 0}});
+    EXPECT_NEAR(Closeness(path, 3).distance({1, 1e-4F, 0, 0}, 0), 0, 1e-7);
+}
+
 TEST_F(PathUnits, APathWithoutLengthIsOnePlace) {
     append({{1, 0, 0}, {1, 0, 0}});
-    EXPECT_NEAR(Closeness(path, 10).distance({4, 4, 0, 0}, 0.5), 5, 1e-6);
+    EXPECT_NEAR(Closeness(path, 1).distance({4, 4, 0, 0}, 0.5), 5, 1e-6);
 }
 
 // ---- the words of an edit ----

@@ -43,8 +43,10 @@ TEST_F(TrajectoryFailures, WrongCallsAreToldAndEndWithTwo) {
                    {"generate walk.bvh Hips -o x --by 0", "--by is a number of frames above 0"},
                    {"generate walk.bvh Hips -o x --by nan", "--by is a number of frames above 0"},
                    {"generate walk.bvh Hips -o x --by 1e-9", "too many keys"},
-                   {"generate walk.bvh Hips -o x --from 60 --to 60", "there is no motion from frame 60 to 60"},
-                   {"generate walk.bvh Hips -o x --from nan", "there is no motion from frame nan"},
+                   {"generate walk.bvh Hips -o x --from 60 --to 60", "there is no step from frame 60 to 60"},
+                   {"generate walk.bvh Hips -o x --by 200", "there is no step from frame 0 to 119"},
+                   {"generate walk.bvh Hips -o x --by 1e300", "there is no step from frame 0 to 119"},
+                   {"generate walk.bvh Hips -o x --from nan", "there is no step from frame nan"},
                    {"generate walk.bvh Head -o x --connect", "only those directly below Scene can follow a path"},
                    {"generate walk.bvh SceneSettings -o x", "nothing that matches \"SceneSettings\" moves"},
                    {"fit path.tavo Hips -o x", "one of --tolerance and --percent"},
@@ -52,6 +54,7 @@ TEST_F(TrajectoryFailures, WrongCallsAreToldAndEndWithTwo) {
                    {"fit path.tavo Hips -o x --tolerance 0", "--tolerance is a number above 0"},
                    {"fit path.tavo Hips -o x --percent -1", "--percent is a number above 0"},
                    {"fit path.tavo Hips -o x --percent inf", "--percent is a number above 0"},
+                   {"fit path.tavo Hips -o x --percent 1 --max-keys 1", "--max-keys is a number from 2 on"},
                    {"fit path.tavo Hips -o x --percent 1 --json", "--json requires --report"},
                    {"fit path.tavo Head -o x --percent 1", "\"Head\" has no trajectory; `tavo trajectory generate`"},
                    {"sample path.tavo Hips -o x", "one of --keys and --tolerance"},
@@ -81,6 +84,7 @@ TEST_F(TrajectoryFailures, WrongCallsAreToldAndEndWithTwo) {
                    {edit + "--move 1,0,0 --keys 3,,4", "--keys takes keys as 3 or 3..7"},
                    {edit + "--move 1,0,0 --keys 120", "has no key 120; it has 120 keys, from 0 on"},
                    {edit + "--move 1,0,0 --keys 3..2000000000", "has no key 2000000000"},
+                   {edit + "--move 1,0,0 --keys 2147483647", "has no key 2147483647"},
                    {edit + "--move 1,0,0 --keys -1", "has no key -1"},
                    {edit + "--move 1,0,0 --ball 0,0,0", "--ball takes a centre and a radius"},
                    {edit + "--move 1,0,0 --ball 0,0,0,-1", "--ball takes a centre and a radius"},
@@ -114,8 +118,10 @@ TEST_F(TrajectoryFailures, ThreeFactorsAreRefusedWhereTheyWouldSpoilHandles) {
 TEST_F(TrajectoryFailures, WhatCannotBeDoneEndsWithOne) {
     result("trajectory fit path.tavo Hips -o few.tavo --tolerance 0.01");
     fs::create_directory(folder / "folder");
+    writeClip("still.bvh", {1});
     expectTold(failed, {
                            {"generate walk.bvh Scene -o x", "nothing moves from frame 0 to 119"},
+                           {"generate still.bvh a -o x", "there is no step from frame 0 to 0"},
                            {"fit few.tavo Hips -o x --tolerance 0.01", "is a spline already"},
                            {"generate walk.bvh Hips -o missing/x.tavo", "missing"},
                            {"generate walk.bvh Hips -o folder", "folder"},

@@ -369,16 +369,58 @@ TEST_F(Translator, InEveryPairOfUnitsWhatIsWrittenIsReadBackTheSame) {
 
 // ---- Characterize, ResetTimeline ----
 
-TEST_F(Translator, CharacterizeSaysInOneLineThatThereAreNoCharacters) {
+TEST_F(Translator, CharacterizeMakesEachSkeletonACharacter) {
     importing().Characterize().SetBoolean(true);
     importText(figure());
-    EXPECT_EQ(log.informations,
-              std::vector<std::wstring>{(folder.path / "clip.bvh").wstring() +
-                                        L": no character was made, for there are none in this version"});
-    EXPECT_TRUE(hips().IsValid() && log.errors.empty());
-    log.informations.clear();
-    importText("HIERARCHY");
-    EXPECT_TRUE(log.informations.empty());
+    XJoint const root = found(L"Scene|character|kinematics|Hips");
+    ASSERT_TRUE(root.IsValid());
+    EXPECT_FALSE(hips().IsValid());
+    EXPECT_TRUE(root.IsCharacterRootJoint());
+    EXPECT_FALSE(root.Character().IsEditable().Boolean());
+    EXPECT_EQ(keysOf(root.TranslationX()), (std::vector<float>{0, 0.01f}));
+    EXPECT_TRUE(log.errors.empty() && log.informations.empty());
+    EXPECT_EQ(undoCount(), 1);
+    scene().Undo();
+    EXPECT_FALSE(root.IsValid() || scene().RootObject().Child(L"character").IsValid());
+}
+
+TEST_F(Translator, WithoutItTheSkeletonHangsBelowTheOrigin) {
+    importText(figure());
+    EXPECT_TRUE(hips().IsValid());
+    EXPECT_FALSE(XObject(hips()).Character().IsValid());
+}
+
+TEST_F(Translator, ACharacterIsWrittenAsTheSkeletonThatItWasReadFrom) {
+    importText(figure());
+    runExport();
+    std::string const plain = fileText(folder.path / "out.bvh");
+    scene().New();
+    importing().Characterize().SetBoolean(true);
+    importText(figure());
+    runExport();
+    EXPECT_EQ(fileText(folder.path / "out.bvh"), plain);
+}
+
+TEST_F(Translator, ACharacterThatWasMovedIsWrittenWhereItStands) {
+    importing().Characterize().SetBoolean(true);
+    importText(figure());
+    XCharacter character(scene().Object(L"Scene|character"));
+    character.SetTranslation(1, 0, 0);
+    EXPECT_NEAR(valueOf(runExport(), 0, Channel::xPosition), 100, 1e-3);
+}
+
+TEST_F(Translator, ReplacingTakesTheCharacterOfTheSameRoot) {
+    importing().Characterize().SetBoolean(true);
+    importText(figure());
+    importText(figure("Pelvis"));
+    XCharacter const first = found(L"Scene|character|kinematics|Hips").Character();
+    XCharacter const second = found(L"Scene|character1|kinematics|Pelvis").Character();
+    ASSERT_TRUE(first.IsValid() && second.IsValid());
+    importing().ImportMode().SetEnumeration(L"Replace");
+    importText(figure());
+    EXPECT_FALSE(first.IsValid());
+    EXPECT_TRUE(second.IsValid());
+    EXPECT_TRUE(found(L"Scene|character|kinematics|Hips").IsValid());
 }
 
 TEST_F(Translator, ResetTimelineMakesTheRangeTheClips) {

@@ -154,8 +154,10 @@ TEST_F(PinTest, ALesserWeightLeavesItsShareToThePresentPlace) {
     setWeight(0.25F);
     EXPECT_TRUE(pin->hold());
     expectNear(vector(held, T::Translation), {from.x + 3, from.y, from.z});
-    setWeight(0);
-    EXPECT_FALSE(pin->hold());
+    for (float none : {0.F, -1.F, nan}) {
+        setWeight(none);
+        EXPECT_FALSE(pin->hold());
+    }
     expectNear(vector(held, T::Translation), {from.x + 3, from.y, from.z});
 }
 
@@ -167,15 +169,19 @@ TEST_F(PinTest, NothingIsHeldThatIsNotPinned) {
     EXPECT_EQ(vector(held, T::Translation), before);
 }
 
-TEST_F(PinTest, AChannelThatIsConnectedIsLeftAlone) {
+TEST_F(PinTest, ChannelsThatAreConnectedAreLeftAlone) {
     Node* driver = place({9, 9, 9});
-    EXPECT_EQ(connect(driver, T::Translation, held, T::Translation), Connected);
+    connectVector(driver, T::Translation, held, T::Translation);
+    connectVector(driver, T::Rotation, held, T::Rotation);
+    scene.commitTransient();
     pin->setPinned(true);
-    moveParent();
+    scene.commitTransient();
     scene.beginChangeBlock();
     EXPECT_TRUE(pin->hold());
     scene.endChangeBlock();
     EXPECT_EQ(get(held, T::Translation), 9);
+    EXPECT_TRUE(scene.undo());
+    EXPECT_FALSE(flag(pin, P::Pinned)) << "holding wrote nothing and made no step";
 }
 
 TEST_F(PinTest, ReleasedAgainItFollowsAgain) {

@@ -54,6 +54,17 @@ TEST(Affine, HugeAndTinyScalesAreUndone) {
     }
 }
 
+TEST(Affine, TheRotationOfWhatNoFloatCanHoldIsStillTold) {
+    RandomPlaces random;
+    for (double scale : {1e-60, 1e60}) {
+        Qelutils::rotation::Rotation const r = fromQuaternion(random.rotation());
+        Affine a = toAffine(r, {});
+        for (auto& row : a.m)
+            for (double& value : row) value *= scale;
+        expectNear(toAffine(rotationOf(a), {}), toAffine(r, {}), 1e-6);
+    }
+}
+
 TEST(Affine, BrokenNumbersAreThoseOfTheIdentity) {
     Matrix34 m;
     m.m[0][0] = nan, m.m[1][0] = infinity, m.m[3][2] = -infinity;

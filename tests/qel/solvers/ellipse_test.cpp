@@ -57,6 +57,11 @@ TEST(Ellipse, OfPointsOnItsAxesTheVerticesAreNearest) {
     }
 }
 
+TEST(Ellipse, OfPointsBesideAnAxisTheNearestLiesBesideTheVertex) {
+    EXPECT_NEAR(clampToEllipse({2, 1}, {3, 1e-10}).y / (1e-10 / 3), 1, 1e-9);
+    EXPECT_NEAR(clampToEllipse({1, 2}, {-1e-200, 3}).x / (-1e-200 / 3), 1, 1e-9);
+}
+
 TEST(Ellipse, AnAxisOfNoLengthLeavesASegmentAndOneWithoutEndAStrip) {
     struct {
         Ellipse e;

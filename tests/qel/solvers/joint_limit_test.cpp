@@ -262,6 +262,16 @@ TEST(JointLimit, SmallMovesMakeSmallChangesAcrossTheBorderToo) {
     }
 }
 
+TEST(JointLimit, OfTheTwoQuaternionsOfTheResultTheCloserOneIsGiven) {
+    Random random;
+    for (int round = 0; round < 200; ++round) {
+        JointLimit const limit = random.limit(random.flip() ? BallSocketLimit : HingeLimit);
+        Quaternion const q = random.rotation(), negated{-q.x, -q.y, -q.z, -q.w};
+        EXPECT_GE(dot(clampJointRotation(limit, q), q), 0);
+        EXPECT_GE(dot(clampJointRotation(limit, negated), negated), 0);
+    }
+}
+
 TEST(JointLimit, BrokenRotationsCountAsNone) {
     JointLimit limit;
     Quaternion const broken[] = {{0, 0, 0, 0}, {nan, 0, 0, 1}, {0, infinity, 0, 1}, {1e200, 0, 0, 1}};
@@ -393,6 +403,20 @@ TEST(SoftJointLimit, AHingeHasNoSoftSwing) {
     JointLimit limit = soft({});
     limit.type = HingeLimit;
     EXPECT_EQ(clampJointAngles(limit, {0, 1, 1}), JointLimitAngles());
+}
+
+TEST(SoftJointLimit, SwingsAndTwistAreSoftenedEachForItself) {
+    JointLimit limit = soft({});
+    limit.softSwing1Ratio = 1;
+    limit.softSwing2Ratio = 0.5;
+    limit.softTwistActive = false;
+    EXPECT_EQ(clampJointAngles(limit, {1.5, 0.7, 0}), (JointLimitAngles{1.5, 0.7, 0}));
+    EXPECT_LT(clampJointAngles(limit, {1.5, 0, 0.7}).swing2, 0.7);
+    limit.softSwingActive = false;
+    limit.softTwistActive = true;
+    JointLimitAngles const got = clampJointAngles(limit, {1.5, 0, 0.7});
+    EXPECT_LT(got.twist, 1.5);
+    EXPECT_EQ(got.swing2, 0.7);
 }
 
 TEST(SoftJointLimit, SofteningIsOffUnlessItIsActive) {

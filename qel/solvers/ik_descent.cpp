@@ -1,0 +1,246 @@
+#include "qel/solvers/ik_descent.h"
+#include <algorithm>
+
+namespace sg::ik {
+namespace {
+
+constexpr int mostRounds = 2;
+constexpr double largestTurn = 1.0;  // radians, of a joint in one step: the model says nothing further away
+
+Vec3 at(std::vector<double> const& v, std::size_t block) { return {v[3 * block], v[3 * block + 1], v[3 * block + 2]}; }
+void put(std::vector<double>& v, std::size_t block, Vec3 const& x) {
+    for (int k = 0; k < 3; ++k) v[3 * block + std::size_t(k)] = x[k];
+}
+Vec3 scaled(Vec3 const& a, Vec3 const& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
+Vec3 unscaled(Vec3 const& a, Vec3 const& b) {
+    return {b.x > 0 ? a.x / b.x : 0, b.y > 0 ? a.y / b.y : 0, b.z > 0 ? a.z / b.z : 0};
+}
+
+}  // namespace
+
+void Descent::setUp() {
+    std::size_t const n = std::size_t(tasks.columnCount());
+    linear_.setUp(tasks);
+    closed_.resize(tasks.blocks.size());
+    limits_.resize(tasks.blocks.size());
+    for (std::vector<double>* v : {&gradient_, &pull_, &step_, &change_, &fixed_, &free_}) v->assign(n, 0);
+    iterations = 0;
+}
+
+void Descent::evaluate() {
+    skeleton.place();
+    tasks.evaluate(skeleton);
+}
+
+void Descent::enterLimits() {
+    for (std::size_t j = 0; j < skeleton.joints.size(); ++j)
+        if (borders.has(int(j))) borders.clamp(skeleton, int(j));
+    evaluate();
+}
+
+bool Descent::isReached() const {
+    return tasks.positionError <= accuracy.position && tasks.orientationError <= accuracy.orientation;
+}
+
+// ---- limits ----
+
+void Descent::measureLimits() {
+    held_.clear();
+    for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
+        Block const& block = tasks.blocks[b];
+        if (block.isTranslation || !borders.has(block.joint)) continue;
+        limits_[b] = borders.measure(skeleton, block.joint);
+        Bound found[3];
+        int const count = borders.closed(block.joint, limits_[b], found);
+        for (int i = 0; i < count; ++i) held_.push_back({b, found[i], true, {}});
+    }
+}
+
+// Holds what a step would leave by. False if there is nothing that is not held already.
+bool Descent::hold(std::vector<double> const& step) {
+    bool any = false;
+    for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
+        Block const& block = tasks.blocks[b];
+        if (block.isTranslation || !borders.has(block.joint)) continue;
+        Bound found[3];
+        int const count = borders.bounds(block.joint, limits_[b], scaled(at(step, b), block.scale), found);
+        for (int i = 0; i < count; ++i) any |= hold(b, found[i]);
+    }
+    return any;
+}
+
+bool Descent::hold(std::size_t block, Bound const& bound) {
+    for (Held& h : held_)
+        if (h.block == block && !h.isFixed && h.bound.isTwist == bound.isTwist) {
+            bool const isNew = dot(h.bound.normal, bound.normal) < 1 - 1e-3;
+            h.bound = bound;
+            return isNew;
+        }
+    held_.push_back({block, bound, false, {}});
+    return true;
+}
+
+// Lets go of what the tasks would rather have further inside. False if there is nothing.
+bool Descent::release(double damping) {
+    model_ = tasks.residual;
+    addProduct(tasks, step_, model_);
+    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = damping * (step_[i] - pull_[i]);
+    addTransposed(tasks, model_, gradient_);
+    std::size_t const before = held_.size();
+    std::erase_if(held_, [&](Held const& h) { return !h.isFixed && dot(h.across, at(gradient_, h.block)) > 0; });
+    return held_.size() < before;
+}
+
+// The block moves along the bound by just the room there is: that much is decided, and the direction is taken out of
+// its unknowns.
+void Descent::close(Held& held) {
+    std::size_t const b = held.block;
+    Vec3 normal = scaled(held.bound.normal, tasks.blocks[b].scale);
+    held.across = {};
+    double const whole = length(normal);
+    if (!(whole > 0)) return;
+    normal = normal * (1 / whole);
+    double room = held.bound.room / whole - dot(normal, at(fixed_, b));
+    for (Vec3 const& other : closed_[b]) normal = normal - other * dot(other, normal);
+    double const rest = length(normal);
+    if (rest < 1e-4) return;  // decided already
+    held.across = normal = normal * (1 / rest);
+    room /= rest;
+    closed_[b].push_back(normal);
+    put(fixed_, b, at(fixed_, b) + normal * room);
+    put(free_, b, at(free_, b) - normal * dot(normal, at(free_, b)));
+    for (std::size_t e = tasks.firstEntry[b]; e < tasks.firstEntry[b + 1]; ++e) {
+        double* j = projected_.data() + tasks.entries[e].at;
+        double* r = right_.data() + tasks.entries[e].firstRow;
+        for (int i = 0; i < tasks.entries[e].rows; ++i, j += 3) {
+            double const along = j[0] * normal.x + j[1] * normal.y + j[2] * normal.z;
+            j[0] -= along * normal.x, j[1] -= along * normal.y, j[2] -= along * normal.z;
+            r[i] += along * room;
+        }
+    }
+}
+
+void Descent::closeAll() {
+    projected_ = tasks.jacobian;
+    right_ = tasks.residual;
+    free_ = pull_;
+    std::fill(fixed_.begin(), fixed_.end(), 0);
+    for (std::vector<Vec3>& c : closed_) c.clear();
+    for (Held& h : held_) close(h);
+    tasks.jacobian.swap(projected_);
+    linear_.form(tasks);
+    tasks.jacobian.swap(projected_);
+}
+
+// ---- one iteration ----
+
+void Descent::computePull() {
+    std::fill(pull_.begin(), pull_.end(), 0);
+    if (preference <= 0 || preferred.turns.size() != skeleton.joints.size()) return;
+    for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
+        Block const& block = tasks.blocks[b];
+        if (block.isTranslation) continue;
+        Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
+        Vec3 const away = logarithm(preferred.turns[std::size_t(block.joint)] * transposed(turn));
+        put(pull_, b, unscaled(away, block.scale) * preference);
+    }
+}
+
+void Descent::linearise() {
+    tasks.linearise(skeleton);
+    std::fill(gradient_.begin(), gradient_.end(), 0);
+    addTransposed(tasks, tasks.residual, gradient_);
+    computePull();
+    measureLimits();
+    double largest = 0;
+    for (double g : gradient_) largest = std::max(largest, std::abs(g));
+    for (double& g : gradient_) g *= largest > 0 ? -1e-6 / largest : 0;
+    hold(gradient_);
+    closeAll();
+}
+
+void Descent::computeStep(double damping) {
+    for (int again = 0;; ++again) {
+        tasks.jacobian.swap(projected_);
+        linear_.solve(tasks, right_, damping, free_, step_);
+        tasks.jacobian.swap(projected_);
+        for (std::size_t i = 0; i < step_.size(); ++i) step_[i] += fixed_[i];
+        if (again == mostRounds) break;
+        bool const released = release(damping), held = hold(step_);
+        if (!released && !held) break;
+        closeAll();
+    }
+    double largest = 0;
+    for (std::size_t b = 0; b < tasks.blocks.size(); ++b)
+        if (!tasks.blocks[b].isTranslation)
+            largest = std::max(largest, length(scaled(at(step_, b), tasks.blocks[b].scale)));
+    if (largest > largestTurn)
+        for (double& s : step_) s *= largestTurn / largest;
+}
+
+// Also notes what the joints really did, which is less where a limit was in the way.
+void Descent::apply() {
+    for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
+        Block const& block = tasks.blocks[b];
+        Vec3 const move = scaled(at(step_, b), block.scale);
+        put(change_, b, at(step_, b));
+        if (block.isTranslation) {
+            skeleton.joints[std::size_t(block.joint)].place += move;
+            continue;
+        }
+        skeleton.turnBy(block.joint, move);
+        if (!borders.has(block.joint)) continue;
+        borders.clamp(skeleton, block.joint);
+        Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
+        Vec3 const done = logarithm(turn * transposed(kept_.turns[std::size_t(block.joint)]));
+        put(change_, b, unscaled(done, block.scale));
+    }
+    evaluate();
+}
+
+// By how much the model says that the cost falls.
+double Descent::predicted() {
+    model_ = residual_;
+    addProduct(tasks, change_, model_);
+    double after = 0;
+    for (double r : model_) after += r * r / 2;
+    return kept_cost_ - after;
+}
+
+bool Descent::run(int most) {
+    double damping = -1, growth = 2;
+    int idle = 0;
+    while (!isReached() && most > 0) {
+        linearise();
+        if (damping < 0) damping = 1e-3 * linear_.largestDiagonal() + 1e-12;
+        skeleton.keep(kept_);
+        double const before = tasks.cost;
+        residual_ = tasks.residual;
+        kept_cost_ = before;
+        for (bool accepted = false; !accepted;) {
+            if (most-- <= 0) return false;
+            computeStep(damping);
+            apply();
+            ++iterations;
+            double const fell = before - tasks.cost;
+            double const ratio = fell / std::max(predicted(), 1e-300);
+            accepted = fell > 0;
+            if (accepted) {
+                damping *= std::max(1.0 / 3, 1 - std::pow(2 * ratio - 1, 3));
+                growth = 2;
+                idle = fell < 1e-3 * before ? idle + 1 : 0;
+                if (idle > 5) return isReached();
+            } else {
+                skeleton.restore(kept_);
+                evaluate();
+                damping *= growth;
+                growth *= 2;
+                linearise();
+                if (damping > 1e12) return false;
+            }
+        }
+    }
+    return isReached();
+}
+
+}  // namespace sg::ik

@@ -1,0 +1,67 @@
+// The iteration of the inverse kinematics: damped least squares over the turns of the joints, inside their limits.
+//
+// Each iteration makes the linear model of the tasks, solves it with a damping that follows how well the model foretold
+// the last step (Levenberg and Marquardt; the rule is Nielsen's, "Damping parameter in Marquardt's method",
+// IMM-REP-1999-05), and takes the step if it makes the tasks better. Joints on the border of their limits which would
+// leave it slide along it: their unknowns are projected, as in Bertsekas, "Projected Newton methods for optimization
+// problems with simple constraints", SIAM Journal on Control and Optimization 20 (1982). What a step carries beyond a
+// border is brought back to it.
+//
+// What the tasks leave open goes towards a preferred pose, which is the centre of the damping.
+#pragma once
+#include "qel/solvers/ik_borders.h"
+#include "qel/solvers/ik_linear.h"
+
+namespace sg::ik {
+
+struct Accuracy {
+    double position = 1e-4;     // metres
+    double orientation = 1e-3;  // radians
+};
+
+class Descent {
+public:
+    Skeleton skeleton;
+    Tasks tasks;
+    Borders borders;
+    Accuracy accuracy;
+    Pose preferred;         // turns that the joints go to where nothing else decides
+    double preference = 0;  // of the way there, in each iteration
+    int iterations = 0;     // taken, all in all
+
+    void setUp();        // after the parts are filled
+    void enterLimits();  // all joints inside, and everything placed and evaluated
+    void evaluate();
+    bool isReached() const;
+    // Until what is wanted is reached, nothing improves, or `most` iterations are taken. False: not reached.
+    bool run(int most);
+
+private:
+    struct Held {
+        std::size_t block;
+        Bound bound;
+        bool isFixed;  // closed to both sides
+        Vec3 across;   // the direction that it takes out of the block's unknowns
+    };
+    void linearise();
+    void measureLimits();
+    bool hold(std::vector<double> const& step);
+    bool hold(std::size_t block, Bound const& bound);
+    bool release(double damping);
+    void close(Held& held);
+    void closeAll();
+    void computePull();
+    void computeStep(double damping);
+    void apply();
+    double predicted();
+
+    LinearStep linear_;
+    Pose kept_, before_;
+    std::vector<std::vector<Vec3>> closed_;  // of each block: orthonormal directions that are decided
+    std::vector<LimitState> limits_;         // of each block
+    std::vector<double> gradient_, pull_, fixed_, step_, change_, right_, model_, projected_, residual_, free_;
+    std::vector<Held> held_;
+    double kept_cost_ = 0;
+};
+
+}  // namespace sg::ik

@@ -1,0 +1,157 @@
+#include "qel/solvers/ik_search.h"
+#include <algorithm>
+
+namespace sg::ik {
+namespace {
+
+constexpr double rootReadiness = 0.1;  // the root moves by this part of the body's length as readily as a joint turns
+
+Vec3 rowOfTarget(Qelp::Matrix34 const& m) { return rowOf(m, 3); }
+
+IKJoint const& settingsOf(IKSolver const& solver, int joint) {
+    static IKJoint const plain;
+    return std::size_t(joint) < solver.joints.size() ? solver.joints[std::size_t(joint)] : plain;
+}
+
+// The part of a handle's weights that pulls; 0 if it does not.
+double pull(IKHandle const& h) { return h.mode != SecondaryHandle || h.isPinned ? 1 : h.secondaryWeight; }
+bool isSoft(IKHandle const& h) { return h.mode == SecondaryHandle && !h.isPinned; }
+double orientationWeight(IKHandle const& h) { return h.mode == PositionHandle ? 0 : h.orientationWeight * pull(h); }
+bool pulls(IKHandle const& h) { return h.positionWeight * pull(h) > 0 || orientationWeight(h) > 0; }
+
+}  // namespace
+
+// ---- setting up ----
+
+void Search::setUpJoints(IKSolver const& solver) {
+    Skeleton& skeleton = descent_.skeleton;
+    skeleton.setUp(solver.geometry, solver.hierarchy);
+    skeleton.place();
+    double const reach = skeleton.reach();
+    size_ = reach > 0 ? reach / 2 : 1;
+    limits_.assign(skeleton.joints.size(), nullptr);
+    for (std::size_t i = 0; i < limits_.size() && i < solver.joints.size(); ++i)
+        if (solver.joints[i].isJoint && solver.joints[i].isLimited && !solver.disableAllLimits)
+            limits_[i] = &solver.joints[i].limit;
+    descent_.borders.setUp(limits_);
+    findDepths();
+}
+
+void Search::findDepths() {
+    Skeleton const& skeleton = descent_.skeleton;
+    depths_.assign(skeleton.joints.size(), 0);
+    deepest_ = 0;
+    for (int i : skeleton.order) {
+        int const parent = skeleton.joints[std::size_t(i)].parent;
+        if (parent >= 0) depths_[std::size_t(i)] = depths_[std::size_t(parent)] + 1;
+        deepest_ = std::max(deepest_, depths_[std::size_t(i)]);
+    }
+}
+
+void Search::setUpHandles(IKSolver const& solver) {
+    Skeleton const& skeleton = descent_.skeleton;
+    descent_.tasks.effectors.clear();
+    pulled_.assign(skeleton.joints.size(), 0);
+    for (IKHandle const& h : solver.handles) {
+        if (!pulls(h)) continue;
+        Joint const& j = skeleton.joints[std::size_t(h.joint)];
+        // A sheared effector has the orientation of its world matrix in the input pose, and turns from there.
+        Qelp::Matrix34 world;
+        for (int i = 0; i < 3; ++i)
+            for (int k = 0; k < 3; ++k) world.m[i][k] = float(j.linear.row[i][k]);
+        Mat3 const shown = fromRotation(Qelutils::rotation::orthonormal(world.m));
+        Mat3 const wanted = fromRotation(Qelutils::rotation::orthonormal(h.target.m));
+        Mat3 const axes = j.orientation() * transposed(shown) * wanted;
+        descent_.tasks.effectors.push_back(
+            {h.joint, rowOfTarget(h.target), axes, h.positionWeight * pull(h), orientationWeight(h), isSoft(h)});
+        for (int i = h.joint; i >= 0 && !pulled_[std::size_t(i)]; i = skeleton.joints[std::size_t(i)].parent)
+            pulled_[std::size_t(i)] = 1;
+    }
+}
+
+Vec3 Search::readiness(IKSolver const& solver, int joint) const {
+    IKJoint const& settings = settingsOf(solver, joint);
+    double const t = deepest_ > 0 ? double(depths_[std::size_t(joint)]) / deepest_ : 0;
+    double const bias = std::clamp(-solver.moreBias * t - solver.reverseBias * (1 - t), -20.0, 20.0);
+    double const all = std::exp(bias) / (1 + settings.stiffness);
+    return Vec3{settings.readiness[0], settings.readiness[1], settings.readiness[2]} * all;
+}
+
+void Search::setUpBlocks(IKSolver const& solver) {
+    std::vector<Block>& blocks = descent_.tasks.blocks;
+    blocks.clear();
+    bool const moves = !solver.rootLocked && settingsOf(solver, 0).isJoint && !pulled_.empty() && pulled_[0];
+    auto const along = [&](int i) { return solver.lockRoot[i] ? 0 : rootReadiness * 2 * size_; };
+    if (moves) blocks.push_back({0, true, {along(0), along(1), along(2)}});
+    for (int i : descent_.skeleton.order)
+        if (pulled_[std::size_t(i)] && settingsOf(solver, i).isJoint)
+            blocks.push_back({i, false, readiness(solver, i)});
+}
+
+void Search::setUpPoles(IKSolver const& solver) {
+    Skeleton const& skeleton = descent_.skeleton;
+    descent_.tasks.poles.clear();
+    for (std::size_t i = 0; i < solver.joints.size() && i < skeleton.joints.size(); ++i) {
+        IKJoint const& settings = solver.joints[i];
+        if (!settings.hasPoles || !settings.isJoint) continue;
+        for (Effector const& e : descent_.tasks.effectors) {
+            int at = e.joint;
+            while (at >= 0 && at != int(i)) at = skeleton.joints[std::size_t(at)].parent;
+            if (at < 0 || e.joint == int(i)) continue;
+            Joint const& j = skeleton.joints[i];
+            Vec3 const reference = rowOfTarget(settings.referencePole) - j.origin;
+            // frame may be scaled: what rides with the joint is told in its own unscaled space
+            descent_.tasks.poles.push_back(
+                {int(i), e.joint, rowOfTarget(settings.controlPole), solved(reference, j.frame), 1});
+            break;
+        }
+    }
+}
+
+// Of the bind poses the one closest to where the solve begins.
+void Search::setUpPreference(IKSolver const& solver) {
+    Skeleton& skeleton = descent_.skeleton;
+    Pose start, pose;
+    skeleton.keep(start);
+    descent_.preferred = start;
+    double closest = -1;
+    for (std::vector<Qelp::Matrix34> const& bind : solver.bindPoses) {
+        if (bind.size() < skeleton.joints.size()) continue;
+        skeleton.setPose(bind);
+        skeleton.keep(pose);
+        double distance = 0;
+        for (std::size_t i = 0; i < pose.turns.size(); ++i) {
+            Vec3 const v = logarithm(pose.turns[i] * transposed(start.turns[i]));
+            distance += dot(v, v);
+        }
+        if (closest >= 0 && distance >= closest) continue;
+        closest = distance;
+        descent_.preferred = pose;
+    }
+    skeleton.restore(start);
+    descent_.preference = closest >= 0 ? 0.5 : 0;
+}
+
+// ---- the search ----
+
+void Search::run(IKSolver& solver) {
+    setUpJoints(solver);
+    setUpHandles(solver);
+    setUpBlocks(solver);
+    setUpPoles(solver);
+    setUpPreference(solver);
+    if (solver.previous.size() >= solver.geometry.size()) descent_.skeleton.setPose(solver.previous);
+    descent_.accuracy = {solver.positionAccuracy, solver.orientationAccuracy};
+    descent_.tasks.setUp(descent_.skeleton, size_);
+    descent_.setUp();
+    descent_.enterLimits();
+    solver.isReached = descent_.run(solver.maxIterations);
+    solver.attempts = 1;
+    solver.iterations = descent_.iterations;
+    solver.positionError = descent_.tasks.positionError;
+    solver.orientationError = descent_.tasks.orientationError;
+    for (std::size_t i = 0; i < solver.result.size(); ++i)
+        solver.result[i] = descent_.skeleton.local(int(i), solver.geometry[i]);
+}
+
+}  // namespace sg::ik
