@@ -21,7 +21,7 @@ struct Retarget {
 
     bool Validate() const;  // as many matrices as joints, on both sides
     bool Run();             // false, and nothing written, if it is not valid
-    bool isLimited(int joint) const { return limited_[std::size_t(joint)] != 0; }  // of the last frame
+    bool isLimited(int joint) const { return limited_[std::size_t(joint)] != 0; }  // of the last frame; `joint` exists
 
 private:
     void readSource();
