@@ -377,15 +377,16 @@ private:
 
 bool isInside(int i, Skeleton const& s) { return i >= 0 && i < int(s.size()); }
 
-bool isSound(RetargetJoint const& o) {
+bool isSound(RetargetJoint const& o, Skeleton const& s) {
     for (double v : {o.translationWeight, o.rotationWeight, o.scale, o.offset.x, o.offset.y, o.offset.z})
         if (!(std::abs(v) < 1e15)) return false;
-    return isUsable(o.axes);
+    return isUsable(o.axes) && o.referent >= RetargetJoint::itself && o.referent < int(s.size());
 }
 
-bool areUsable(std::span<RetargetJoint const> options, Skeleton const& s) {
+bool areSound(std::span<RetargetJoint const> options, Skeleton const& s) {
     if (options.empty()) return true;
-    return options.size() == s.size() && std::all_of(options.begin(), options.end(), isSound);
+    return options.size() == s.size() &&
+           std::all_of(options.begin(), options.end(), [&](RetargetJoint const& o) { return isSound(o, s); });
 }
 
 }  // namespace
@@ -398,7 +399,7 @@ bool RetargetRig::Validate() const {
         if (m.blendSource >= 0 && !(isInside(m.blendSource, *source) && m.blend >= 0 && m.blend <= 1)) return false;
         taken[std::size_t(m.target)] = true;
     }
-    return areUsable(sourceOptions, *source) && areUsable(targetOptions, *target);
+    return areSound(sourceOptions, *source) && areSound(targetOptions, *target);
 }
 
 bool RetargetRig::Run() {

@@ -58,7 +58,7 @@ struct RetargetRig {
     std::span<RetargetJoint const> targetOptions;
 
     // Skeletons are valid, matches name joints that exist, options are as many as joints or none, their numbers finite
-    // and below 1e15.
+    // and below 1e15, their referents joints of that skeleton or one of the two constants.
     bool Validate() const;
     // False, and nothing changed, if it is not valid.
     bool Run();
