@@ -182,6 +182,10 @@ TEST_F(IKMotion, APoleTurnsTheChainAboutItsLine) {
     referent.SetWorldTranslation(XVector3().Add(shoulder.WorldTranslation(), turned));
     EXPECT_GT(elbow.WorldTranslation().DistanceTo(before), 0.1f);
     EXPECT_LT(distance(wrist, handle), closeEnough);
+    XVector3 const at = elbow.WorldTranslation();
+    select({handle});
+    run(L"SetIKBindPose");  // from now on the solver begins from there, and the poles ask for no more
+    EXPECT_LT(elbow.WorldTranslation().DistanceTo(at), closeEnough);
 }
 
 TEST_F(IKMotion, ARigThatWasSavedStillFollows) {

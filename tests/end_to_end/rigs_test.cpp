@@ -1,4 +1,7 @@
 // Rigs on a real clip: a walking figure is posed by its handles, and another one walks with it.
+#include "qel/db/loader_xml.h"
+#include "qel/db/saver_xml.h"
+#include "tavo/objects/scene_graph.h"
 #include "tests/plugins/bvh/scene.h"
 
 #include <algorithm>
@@ -35,6 +38,17 @@ protected:
         scene().Selection().Select(selection);
         return scene().RunCommand(command);
     }
+    void saveAndLoad() {
+        scene().CommitTransient();
+        db::StringOutputStream saved, again;
+        EXPECT_TRUE(db::SaverXML(saved).save(*scene().SceneGraph()));
+        db::StringInputStream stream(saved.text());
+        ASSERT_TRUE(db::LoaderXML(stream).load(*scene().SceneGraph()));
+        scene().Open();
+        EXPECT_TRUE(db::SaverXML(again).save(*scene().SceneGraph()));
+        EXPECT_TRUE(again.text() == saved.text());
+    }
+    XTransform top(std::wstring const& name) { return XTransform(scene().RootObject().Child(name)); }
     static XIKHandle handleOf(XIKSolver const& solver, XObject const& effector) {
         for (int i = 0; i < solver.IKHandleReferences().ArraySize(); ++i)
             if (XIKHandle handle(solver.IKHandleReferences().ObjectRef(i)); handle.EndEffectorTransform() == effector)
@@ -95,6 +109,29 @@ TEST_F(Rigs, AFigureOfTheSameShapeWalksAlike) {
         EXPECT_LT(distance(find(first, L"Head"), find(second, L"Head")), millimetre) << t;
         EXPECT_LT(distance(find(first, L"RightToe"), find(second, L"RightToe")), millimetre) << t;
     }
+}
+
+TEST_F(Rigs, AFigureThatWasSavedStillWalksWithTheOther) {
+    ASSERT_TRUE(
+        run(L"RetargetAttach", {bring(L"first", Unit::centimetre), bring(L"second", Unit::centimetre)}).IsValid());
+    saveAndLoad();
+    for (double t : {0.4, 1.3}) {
+        go(t);
+        EXPECT_LT(worstTurn(top(L"first"), top(L"second")), 2e-3f) << t;
+        EXPECT_LT(distance(find(top(L"first"), L"Head"), find(top(L"second"), L"Head")), millimetre) << t;
+    }
+}
+
+TEST_F(Rigs, AFigureThatLetsGoStandsStill) {
+    XTransform const first = bring(L"first", Unit::centimetre), second = bring(L"second", Unit::centimetre);
+    ASSERT_TRUE(run(L"RetargetAttach", {first, second}).IsValid());
+    go(0.4);
+    XVector3 const at = find(second, L"LeftHand").WorldTranslation();
+    run(L"RetargetDetach", {first});
+    EXPECT_LT(find(second, L"LeftHand").WorldTranslation().DistanceTo(at), 1e-5f);
+    go(1.3);
+    EXPECT_LT(find(second, L"LeftHand").WorldTranslation().DistanceTo(at), 1e-5f);
+    EXPECT_GT(find(first, L"LeftHand").WorldTranslation().DistanceTo(at), 0.01f);
 }
 
 TEST_F(Rigs, ALargerFigureTurnsAlikeAndTravelsInItsOwnMeasure) {
