@@ -1,7 +1,6 @@
 // Repairing the timing of a motion when its path changes.
 #include "tavo/animation/timing_edits.h"
 #include "tavo/app/application.h"
-#include "tavo/trajectories/path_measure.h"
 #include "tavo/trajectories/timing_curve.h"
 #include "tavo/trajectories/trajectory_edit.h"
 
@@ -30,10 +29,10 @@ bool isWanted(XTrajectory const& trajectory) {
 }
 
 // Fractions are floats, as the curve will hold them: a speed is kept between what is stored.
-Qelutils::Vector<double> fractionsOf(XPathMeasure& path, Qelutils::Vector<float> const& parameters) {
+Qelutils::Vector<double> fractionsOf(sg::PathGeometry const& path, Qelutils::Vector<float> const& parameters) {
     Qelutils::Vector<double> out;
-    out.reserve(parameters.size());
-    for (float parameter : parameters) out.push_back(double(float(path.fractionAt(double(parameter)))));
+    path.fractionsAt(parameters, out);
+    for (double& fraction : out) fraction = double(float(fraction));
     return out;
 }
 
@@ -45,11 +44,8 @@ bool XTrajectory::smartEditInit(float& length, Floats& parameters) const {
         XApplication::Instance().LogWarning(why);
         return false;
     }
-    sg::PathGeometry const& path = pathNode()->getPath();
     length = MaxArcLength().Float();
-    parameters.clear();
-    for (float fraction : XTimingCurve(*this).outputs())
-        parameters.push_back(float(path.parameterAt(double(fraction))));
+    pathNode()->getPath().parametersAt(XTimingCurve(*this).outputs(), parameters);
     return true;
 }
 
@@ -63,7 +59,7 @@ bool XTrajectory::smartEditCore(float oldLength, Floats const& parameters) {
 }
 
 void XTrajectory::smartEditCore_retainFeel_noCheck(float oldLength, Floats const& parameters, float eps) {
-    XPathMeasure path(*pathNode());
+    sg::PathGeometry const& path = pathNode()->getPath();
     XTimingCurve const curve(*this);
     XTimingKeys keys = curve.keys();
     if (RetainFeel(fractionsOf(path, parameters), curve.order(), double(oldLength), double(float(path.length())),
@@ -72,10 +68,9 @@ void XTrajectory::smartEditCore_retainFeel_noCheck(float oldLength, Floats const
 }
 
 void XTrajectory::smartEditCore_retainConstraints_noCheck(float, Floats const& parameters, float) {
-    XPathMeasure path(*pathNode());
     XTimingCurve const curve(*this);
     XTimingKeys keys = curve.keys();
-    if (RetainConstraints(fractionsOf(path, parameters), keys)) curve.write(keys);
+    if (RetainConstraints(fractionsOf(pathNode()->getPath(), parameters), keys)) curve.write(keys);
 }
 
 }  // namespace Tavo
