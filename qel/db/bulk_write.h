@@ -7,28 +7,52 @@
 #pragma once
 #include "qel/db/database.h"
 #include <array>
+#include <utility>
 
 namespace db {
 
+// Its bookkeeping, whatever the number of parts.
 class BulkWrite {
 public:
-    // `parts`: rows of the elements' layout, at most as many as there is room for, all of them below 64.
-    static constexpr std::size_t mostParts = 8;
-    BulkWrite(AttributeArray& array, std::initializer_list<int> parts);
-    ~BulkWrite() { finishRun(); }
     BulkWrite(BulkWrite const&) = delete;
     BulkWrite& operator=(BulkWrite const&) = delete;
+
+protected:
+    BulkWrite(AttributeArray& array, std::span<int const> parts);
+    ~BulkWrite() { finish(); }
+
+    static constexpr std::size_t mostUntold = 64;  // elements: the graph looks at them while they are in the cache
+    bool goesOn(std::size_t element) const { return element == run_.to && element - told_ < mostUntold; }
+    void moveOn(std::size_t element);
+    bool keep(ElementBlock& element);
+
+    std::span<ElementBlock* const> blocks_;
+    ElementRun run_;
+    std::size_t told_ = 0;  // of the run up to here
+    bool isRemoved_;
+
+private:
+    void tell();
+    void finish();
+
+    Database& database_;
+};
+
+// The write, to so many parts of each element.
+template<std::size_t count> class BulkWriteOf : BulkWrite {
+public:
+    // `parts`: rows of the elements' layout, below 64.
+    BulkWriteOf(AttributeArray& array, int const (&parts)[count]) : BulkWrite(array, parts) {
+        for (std::size_t i = 0; i < count; ++i) offsets_[i] = array.elementLayout().offsets[std::size_t(parts[i])];
+    }
 
     // True: every one of the parts of this element is to be given its value now, by raw(). False: by setValue(), as
     // something flows into one of them, or as the array was removed and takes no writes.
     bool open(std::size_t element) {
-        bool const goesOn = element == run_.to && element - told_ < mostUntold;
-        if (!goesOn) [[unlikely]]
+        if (!goesOn(element)) [[unlikely]]
             moveOn(element);
         block_ = reinterpret_cast<char*>(blocks_[element]);
-        bool isKept = !isRemoved_;
-        for (std::size_t i = 0; i < partCount_; ++i) isKept &= part<Attribute>(i).isKept();
-        if (!isKept && !keep()) [[unlikely]]
+        if (!areKept(std::make_index_sequence<count>()) && !keep(*blocks_[element])) [[unlikely]]
             return false;
         run_.to = element + 1;
         return true;
@@ -38,20 +62,12 @@ public:
     template<class A> A& part(std::size_t i) const { return *reinterpret_cast<A*>(block_ + offsets_[i]); }
 
 private:
-    static constexpr std::size_t mostUntold = 64;  // elements: the graph looks at them while they are in the cache
-    void moveOn(std::size_t element);
-    bool keep();
-    void tell();
-    void finishRun();
+    template<std::size_t... i> bool areKept(std::index_sequence<i...>) const {
+        return (!isRemoved_) & (part<Attribute>(i).isKept() & ...);
+    }
 
-    Database& database_;
-    std::span<ElementBlock* const> blocks_;
     char* block_ = nullptr;
-    std::array<std::uint32_t, mostParts> offsets_;
-    std::size_t partCount_ = 0;
-    ElementRun run_;
-    std::size_t told_ = 0;  // of the run up to here
-    bool isRemoved_;
+    std::array<std::uint32_t, count> offsets_;
 };
 
 }  // namespace db

@@ -112,13 +112,23 @@ PathBezier PathGeometry::curveOf(int rank) const {
 
 // False when the length is still the same. A straight one is measured sooner than compared.
 inline bool PathGeometry::replace(int rank) {
-    Segment const before = segments_[std::size_t(rank)];
     Segment& s = segments_[std::size_t(rank)];
+    bool const isLinear = s.kind == CurveInterpolation::linear && kindOf(rank) == CurveInterpolation::linear;
+    if (!isLinear) return replaceOther(rank);
+    double const length = (position(rank + 1) - position(rank)).length();
+    bool const isNew = length != s.length;
+    s.length = length;
+    measured_ += isNew;
+    return isNew;
+}
+
+bool PathGeometry::replaceOther(int rank) {
+    Segment& s = segments_[std::size_t(rank)];
+    Segment const before = s;
     s.kind = kindOf(rank);
     if (s.kind == CurveInterpolation::spline) return replaceSpline(rank, before.kind == s.kind);
     if (before.kind == CurveInterpolation::spline) arcs_[std::size_t(rank)] = ArcLength();
-    bool const isLinear = s.kind == CurveInterpolation::linear;
-    s.length = isLinear ? (position(rank + 1) - position(rank)).length() : 0;
+    s.length = straightLength(rank);
     bool const isNew = s.length != before.length || s.kind != before.kind;
     measured_ += isNew;
     return isNew;
@@ -246,29 +256,32 @@ inline double PathGeometry::fractionInside(double parameter) const {
     return std::min((starts_[std::size_t(rank)] + inside) / length(), 1.0);
 }
 
-// The first that reaches so far, looked for at `near` and the one behind it before all others.
+// The first that reaches so far, looked for at `near` and the two behind it before all others. What lies as densely as
+// the keys is found there without a branch that cannot be foreseen.
 inline std::size_t PathGeometry::findSegment(double distance, std::size_t near) const {
-    for (std::size_t rank = near; rank < std::min(near + 2, segments_.size()); ++rank)
-        if (starts_[rank] < distance && (distance <= starts_[rank + 1] || rank + 1 == segments_.size())) return rank;
+    if (near + 2 < segments_.size()) [[likely]] {
+        std::size_t const rank = near + (starts_[near + 1] < distance) + (starts_[near + 2] < distance);
+        if (starts_[rank] < distance && distance <= starts_[rank + 1]) [[likely]]
+            return rank;
+    }
     return std::size_t(std::lower_bound(starts_.begin() + 1, starts_.end() - 1, distance) - starts_.begin()) - 1;
 }
 
-inline double PathGeometry::parameterOf(double fraction, std::size_t& near) const {
+inline double PathGeometry::parameterIn(std::size_t rank, double distance) const {
+    Segment const& s = segments_[rank];
+    double const inside = distance - starts_[rank];
+    if (s.kind == CurveInterpolation::spline) [[unlikely]]
+        return double(rank) + arcs_[rank].parameter(curves_[rank], inside);
+    return double(rank) + (s.length > 0 ? std::min(inside / s.length, 1.0) : 0);
+}
+
+double PathGeometry::parameterOf(double fraction) const {
     int const last = keyCount() - 1;
     if (last < 1 || fraction <= 0) return 0;
     if (fraction >= 1) return last;
     if (!(length() > 0)) return fraction * last;
     double const distance = fraction * length();
-    std::size_t const rank = near = findSegment(distance, near);
-    Segment const& s = segments_[rank];
-    double const inside = distance - starts_[rank];
-    if (s.kind == CurveInterpolation::spline) return double(rank) + arcs_[rank].parameter(curves_[rank], inside);
-    return double(rank) + (s.length > 0 ? std::min(inside / s.length, 1.0) : 0);
-}
-
-double PathGeometry::parameterOf(double fraction) const {
-    std::size_t near = 0;
-    return parameterOf(fraction, near);
+    return parameterIn(findSegment(distance, segments_.size()), distance);
 }
 
 PathPoint PathGeometry::pointAt(double parameter) const {
@@ -333,10 +346,14 @@ void PathGeometry::fractionsAt(std::span<float const> parameters, std::vector<do
 
 void PathGeometry::parametersAt(std::span<float const> fractions, std::vector<float>& out) const {
     out.resize(fractions.size());
+    double const whole = length();
     std::size_t near = 0;
     for (std::size_t i = 0; i < out.size(); ++i) {
-        double const fraction = double(fractions[i]);
-        out[i] = float(fraction >= 0 && fraction <= 1 ? parameterOf(fraction, near) : parameterAt(fraction));
+        double const fraction = double(fractions[i]), distance = fraction * whole;
+        bool const isInside = fraction > 0 && fraction < 1 && whole > 0;
+        if (isInside) [[likely]]
+            near = findSegment(distance, near);
+        out[i] = float(isInside ? parameterIn(near, distance) : parameterAt(fraction));
     }
 }
 

@@ -119,14 +119,15 @@ private:
     void makeRoom();
     bool isSame(int rank, int measured) const;
     inline bool replace(int rank);
+    bool replaceOther(int rank);
     bool replaceSpline(int rank, bool wasSpline);
     double straightLength(int rank) const;
     void addUp(int from);
 
     inline double fractionInside(double parameter) const;
     double parameterOf(double fraction) const;
-    inline double parameterOf(double fraction, std::size_t& near) const;
     inline std::size_t findSegment(double distance, std::size_t near) const;
+    inline double parameterIn(std::size_t rank, double distance) const;
     PathPoint pointAt(double parameter) const;
     PathPoint endDirection(bool atStart) const;
     Folded fold(double x) const;

@@ -30,15 +30,17 @@ public:
             return changeAlone(_keys[slot], step);
         Qelp::Vector3 &in = point(0), &position = point(1), &out = point(2);
         Points const now = step({in, position, out});
-        in = now.in, position = now.position, out = now.out;
+        set(in, now.in), set(position, now.position), set(out, now.out);
     }
 
 private:
     using Part = XTranslationKey::Part;
+    // By component: a vector that was put together on the stack would have to get there before it can be copied whole.
+    static void set(Qelp::Vector3& to, Qelp::Vector3 const& v) { to.x = v.x, to.y = v.y, to.z = v.z, to.w = v.w; }
     Qelp::Vector3& point(std::size_t i) const { return _write.part<db::Vector3Attribute>(i).raw(); }
 
     XTranslationKeys _keys;
-    db::BulkWrite _write;
+    db::BulkWriteOf<3> _write;
 };
 
 // An affine transform of points, as a matrix of row vectors, in double.
@@ -85,7 +87,7 @@ struct Frame {
 
 // ---- what is done to one key ----
 
-Points move(Points const& p, Qelp::Vector3 const& delta, float weight) {
+inline Points move(Points const& p, Qelp::Vector3 const& delta, float weight) {
     float const x = delta.x * weight, y = delta.y * weight, z = delta.z * weight;
     auto const moved = [=](Qelp::Vector3 const& v) { return Qelp::Vector3{v.x + x, v.y + y, v.z + z, 0}; };
     return {moved(p.in), moved(p.position), moved(p.out)};
@@ -319,20 +321,19 @@ void XTrajectory::bendTranslationKeyframePosition_core(Floats const& weights, XV
 // ---- one key ----
 
 void XTrajectory::editTranslationKeyframePosition_noCheck(int slot, XVector3 const& delta, float weight) {
-    changeAlone(XTranslationKeys(*pathNode())[slot],
-                [&](Points const& p) { return move(p, delta.AsVector(), weight); });
+    changeAlone(XTranslationKeys(*pathNode())[slot], [&](Points const& p) { return mover(delta)(p, weight); });
 }
 
 void XTrajectory::scaleTranslationKeyframePosition_noCheck(int slot, XMatrix const& frame, XVector3 const& factors,
                                                            float weight) {
     changeAlone(XTranslationKeys(*pathNode())[slot],
-                [&](Points const& p) { return scale(p, Frame(frame), factors, weight); });
+                [&](Points const& p) { return scaler(frame, factors)(p, weight); });
 }
 
 void XTrajectory::rotateTranslationKeyframePosition_noCheck(int slot, XMatrix const& frame, XVector3 const& rotation,
                                                             float weight) {
     changeAlone(XTranslationKeys(*pathNode())[slot],
-                [&](Points const& p) { return rotate(p, Frame(frame), rotation, weight); });
+                [&](Points const& p) { return rotator(frame, rotation)(p, weight); });
 }
 
 }  // namespace Tavo

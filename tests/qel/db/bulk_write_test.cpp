@@ -42,14 +42,14 @@ struct BulkWrites : Fixture {
         for (std::size_t i = 0; i < array().size(); ++i) out.push_back(part(i).getValue());
         return out;
     }
-    void write(BulkWrite& bulk, std::size_t i, float value) {
+    void write(BulkWriteOf<1>& bulk, std::size_t i, float value) {
         if (bulk.open(i))
             bulk.part<FloatAttribute>(0).raw() = value;
         else
             part(i).setValue(value);
     }
     void writeRange(std::size_t from, std::size_t to, float offset) {
-        BulkWrite bulk(array(), {number});
+        BulkWriteOf bulk(array(), {number});
         for (std::size_t i = from; i < to; ++i) write(bulk, i, float(i) + offset);
     }
     void writeAll(float offset) { writeRange(0, array().size(), offset); }
@@ -73,7 +73,7 @@ TEST_F(BulkWrites, AreOneStepThatUndoAndRedoReplay) {
 
 TEST_F(BulkWrites, KeepOldValuesOfAnySizeAndOfSeveralParts) {
     step([&] {
-        BulkWrite bulk(array(), {number, text});
+        BulkWriteOf bulk(array(), {number, text});
         ASSERT_TRUE(bulk.open(2));
         part(2).raw() = 5, textOf(2).raw() = L"bulk";
     });
@@ -120,7 +120,7 @@ TEST_F(BulkWrites, InABlockAfterWhatIsPendingGoBackAlone) {
 TEST_F(BulkWrites, ToWhatWasRemovedAreRefused) {
     AttributeArray& removed = array();
     step([&] { n->remove(); });
-    step([&] { EXPECT_FALSE(BulkWrite(removed, {number}).open(0)); });
+    step([&] { EXPECT_FALSE(BulkWriteOf(removed, {number}).open(0)); });
     EXPECT_TRUE(watcher.attributes.empty());
     database.undo();
     EXPECT_EQ(part(0).getValue(), 1);
@@ -129,7 +129,7 @@ TEST_F(BulkWrites, ToWhatWasRemovedAreRefused) {
 TEST_F(BulkWrites, ToWhatTakesItsValueFromElsewhereAreRefused) {
     part(3).set(Attribute::live);
     step([&] {
-        BulkWrite bulk(array(), {number, text});
+        BulkWriteOf bulk(array(), {number, text});
         EXPECT_TRUE(bulk.open(2));
         EXPECT_FALSE(bulk.open(3));
         EXPECT_TRUE(bulk.open(4));
@@ -202,7 +202,7 @@ TEST_F(BulkWrites, OfManyShortRunsListEachPartOnce) {
     for (int event = 0; event < 3; ++event) {
         gesture([&] {
             for (int again = 0; again < 2; ++again) {
-                BulkWrite bulk(array(), {number});
+                BulkWriteOf bulk(array(), {number});
                 for (std::size_t i = 0; i < 1000; i += 2) write(bulk, i, float(event + again));
             }
         });
@@ -244,7 +244,7 @@ TEST_F(BulkWrites, BeforeElementsMoveListWhatTheyWrote) {
 
 TEST_F(BulkWrites, OfNothingTellNobody) {
     std::size_t const before = watcher.told();
-    step([&] { BulkWrite const bulk(array(), {number}); });
+    step([&] { BulkWriteOf const bulk(array(), {number}); });
     EXPECT_EQ(watcher.told(), before);
 }
 
@@ -256,7 +256,7 @@ TEST_F(BulkWrites, TellTheirNodeOfEveryElementOnceWhenItsValueIsThere) {
     Floats expected;
     step([&] {
         array().resize(300);
-        BulkWrite bulk(array(), {number});
+        BulkWriteOf bulk(array(), {number});
         for (std::size_t i = 0; i < 300; ++i) {
             if (i >= 100 && i < 110) continue;
             write(bulk, i, float(i) + 0.5F);
@@ -281,7 +281,7 @@ TEST_F(BulkWrites, AndSingleWritesAndSplicesUndoAndRedoToWhatPlainVectorsSay) {
         std::size_t const from = below(now.size()), to = from + below(now.size() - from + 1), what = below(6);
         float const value = float(random() % 1000);
         if (what < 3) {
-            BulkWrite bulk(array(), {number});
+            BulkWriteOf bulk(array(), {number});
             for (std::size_t i = from; i < to; i += 1 + below(20) / 19) write(bulk, i, now[i] = value + float(i));
         } else if (what == 3 && !now.empty()) {
             part(from).setValue(now[from] = value);
