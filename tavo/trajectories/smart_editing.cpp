@@ -17,15 +17,22 @@ constexpr wchar_t const* pathNotSampled = L"Smart editing is only available on s
 
 enum Mode { RetainFeelMode = 0, RetainConstraintsMode = 1, NotUsedMode = 2 };
 
+using Node = sg::TrajectoryNode;
+
+// The node is asked and not its handle: this comes twice with each event of a drag.
+Node& nodeOf(XTrajectory const& trajectory) { return *static_cast<Node*>(trajectory.getNode()); }
+int modeOf(Node const& node) { return node.at<db::EnumAttribute>(Node::SmartEditing).getValue(); }
+
 // Why the timing cannot be repaired, or null.
 wchar_t const* obstacle(XTrajectory const& trajectory) {
-    if (!trajectory.InputValue().IsConnectedInput()) return notConnected;
+    Node const& node = nodeOf(trajectory);
+    if (!node.graph().getInputAttribute(&node.at<db::Attribute>(Node::InputValue))) return notConnected;
     if (!XTimingCurve(trajectory).isSampled()) return curveNotSampled;
-    return trajectory.IsTranslationCurveSampled().Boolean() ? nullptr : pathNotSampled;
+    return node.at<db::BoolAttribute>(Node::IsTranslationCurveSampled).getValue() ? nullptr : pathNotSampled;
 }
 
 bool isWanted(XTrajectory const& trajectory) {
-    return trajectory.IsValid() && trajectory.IsEditable() && trajectory.SmartEditing().Enumeration() != NotUsedMode;
+    return trajectory.IsValid() && trajectory.IsEditable() && modeOf(nodeOf(trajectory)) != NotUsedMode;
 }
 
 // Fractions are floats, as the curve will hold them: a speed is kept between what is stored.
@@ -44,7 +51,7 @@ bool XTrajectory::smartEditInit(float& length, Floats& parameters) const {
         XApplication::Instance().LogWarning(why);
         return false;
     }
-    length = MaxArcLength().Float();
+    length = pathNode()->at<db::FloatAttribute>(Node::MaxArcLength).getValue();
     pathNode()->getPath().parametersAt(XTimingCurve(*this).outputs(), parameters);
     return true;
 }
@@ -52,7 +59,7 @@ bool XTrajectory::smartEditInit(float& length, Floats& parameters) const {
 bool XTrajectory::smartEditCore(float oldLength, Floats const& parameters) {
     if (!isWanted(*this) || obstacle(*this)) return false;
     XTrajectoryEdit const edit(*this, label);
-    int const mode = SmartEditing().Enumeration();
+    int const mode = modeOf(*pathNode());
     if (mode == RetainFeelMode) smartEditCore_retainFeel_noCheck(oldLength, parameters, shortestDistance);
     if (mode == RetainConstraintsMode) smartEditCore_retainConstraints_noCheck(oldLength, parameters, shortestDistance);
     return true;
