@@ -63,7 +63,7 @@ public:
 
 private:
     template<std::size_t... i> bool areKept(std::index_sequence<i...>) const {
-        return (!isRemoved_) & (part<Attribute>(i).isKept() & ...);
+        return !isRemoved_ && (unsigned(part<Attribute>(i).isKept()) & ...) != 0;
     }
 
     char* block_ = nullptr;
