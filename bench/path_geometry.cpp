@@ -157,8 +157,9 @@ void compareEdits() {
                 benchmark::DoNotOptimize(fresh.length());
             });
             double const one = fastest(100, [&](int i) {
-                std::array const slots{(i * 37) % count};
-                path.keys[std::size_t(slots[0])].position.x += i % 2 ? 0.01f : -0.01f;
+                int const slot = (i * 37) % count;
+                std::array const slots{sg::PathGeometry::Slots{slot, slot + 1}};
+                path.keys[std::size_t(slot)].position.x += i % 2 ? 0.01f : -0.01f;
                 path.geometry.keysChanged({path.keys}, slots);
             });
             double const compared = fastest(3, [&](int i) {

@@ -4,6 +4,7 @@
 #include "qel/db/value_attributes.h"
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace db {
@@ -123,6 +124,24 @@ public:
         keepPage(i);
         changed()[i] = std::move(value);
         afterWrite();
+        return true;
+    }
+    // The elements from `first` on become these: one write for all, and none where every bit is the same. False, and no
+    // change, where they reach beyond the end, and of what takes no edits.
+    bool setElements(std::size_t first, std::span<T const> values) requires std::is_trivially_copyable_v<T> {
+        std::size_t const size = stored().size(), end = first + values.size();
+        if (first > size || values.size() > size - first) return false;
+        T* v = nullptr;  // once the write has begun
+        for (std::size_t at = first, next; at < end; at = next) {
+            next = std::min(end, (at / History::page + 1) * History::page);
+            T const* const source = values.data() + (at - first);
+            if (std::memcmp(source, stored().data() + at, (next - at) * sizeof(T)) == 0) continue;
+            if (!v && !beginEdit()) return false;
+            if (!v) v = changed().data();
+            for (std::size_t i : {at, next - 1}) keepPage(i);  // one of them may be an element that is new
+            std::copy_n(source, next - at, v + at);
+        }
+        if (v) afterWrite();
         return true;
     }
     void setValue(std::vector<T> values) { splice(0, stored().size(), std::move(values)); }

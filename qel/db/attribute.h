@@ -142,6 +142,8 @@ public:
     bool has(std::uint32_t flags) const { return (bits_ & flags) != 0; }
     void set(std::uint32_t flags) { bits_ |= flags; }
     void clear(std::uint32_t flags) { bits_ &= ~flags; }
+    // Its old value is kept, and no other takes its place: the one test of a bulk write.
+    bool isKept() const { return (bits_ & (recorded | live)) == recorded; }
     // Of that kind and a plain value: the one test of a fast read.
     bool isPlain(AttributeType kind) const { return (bits_ & (kindMask | live)) == std::uint32_t(kind) << kindShift; }
     Node& node() const;

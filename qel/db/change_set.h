@@ -1,5 +1,6 @@
 // What one commit changed. It is built by the writes themselves, lent to the observers for the time of the telling, and
-// copies nothing; questions about single attributes are answered from an index that is made when it is first needed.
+// copies nothing; questions about single attributes are answered from an index that is made when it pays. What was
+// written in bulk is entered as runs of elements, and becomes single attributes only when someone wants the list.
 #pragma once
 #include "qel/db/node.h"
 
@@ -19,7 +20,7 @@ public:
     }
     bool hasTypeChanged(int typeID) const { return !ChangedNodes(typeID).empty(); }
 
-    std::vector<Attribute*> const& ChangedAttributes() const { return attributes_; }
+    std::vector<Attribute*> const& ChangedAttributes() const;
     std::vector<Attribute*> const& RemovedAttributes() const { return removedAttributes_; }
     std::vector<Node*> const& ChangedNodes() const;            // each once
     std::vector<Node*> const& ChangedNodes(int typeID) const;  // of exactly that type, each once, by id
@@ -36,6 +37,8 @@ public:
         a.set(Attribute::listed);
         attributes_.push_back(&a);
     }
+    void addRun(ElementRun const& run);
+    void listRuns() const;  // one by one from here on: before elements come or go
     void addNode(Node& n) {
         if (n.has(Attribute::listed)) return;
         n.set(Attribute::listed);
@@ -49,21 +52,27 @@ public:
     void forgetRemovedAttributes() { removedAttributes_.clear(); }
     void close(std::uint32_t flags);  // the set is complete: clears them, `listed` among them, of all that is listed
     void reset();
-    bool holds(Attribute const& a) const {
-        return std::find(attributes_.begin(), attributes_.end(), &a) != attributes_.end();
-    }
 
 private:
     friend class Attribute;  // enters itself when it is written
     void enter(std::vector<Node*>& list, Node& n, std::uint8_t bit);
+    template<class Visit> void forEachInRuns(Visit const& visit) const;
+    bool isListed(Attribute const& attribute) const;
+    bool isNodeListed(Attribute const& node) const;
+    void listClosedRuns() const;
 
-    std::vector<Attribute*> attributes_, removedAttributes_;
+    mutable std::vector<Attribute*> attributes_;
+    mutable std::vector<ElementRun> runs_;
+    std::size_t nextRun_ = 0;  // where the run would stand that is entered next, if it is entered again
+    bool isClosed_ = false;
+    std::vector<Attribute*> removedAttributes_;
     std::vector<Node*> touched_, added_, removed_, renamed_, reparented_;
     mutable std::vector<Node*> nodes_;
-    mutable std::vector<Attribute const*> sorted_;
+    mutable std::vector<Attribute const*> sorted_, sortedNodes_;
     mutable std::unordered_map<int, std::vector<Node*>> byType_;
     // How much of the lists these know: a set may be asked before it is complete.
-    mutable std::size_t nodesCount_ = 0, sortedCount_ = 0, groupedCount_ = 0;
+    mutable std::size_t nodesCount_ = 0, groupedCount_ = 0;
+    mutable std::size_t looked_ = 0;  // entries that were walked past in search of single attributes
 };
 
 }  // namespace db

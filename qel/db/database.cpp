@@ -206,15 +206,22 @@ void Database::tell(bool transient) {
     customiseChangeSet(*told);
     told->close(transient ? Attribute::listed : Attribute::listed | Attribute::recorded);
     ++telling_;
+    lentSets_.push_back(told.get());
     if (telling_ <= mostNestedTellings) {
         notifyObservers(*told, transient);
         postCommit();
     } else if (logger_)
         logger_->Log(Qelutils::BasicLogger::Error,
                      L"Observers answer every change with another: they are not told of this one");
+    lentSets_.pop_back();
     if (--telling_ == 0) emptyGraveyard();
     told->reset();
     spareSets_.push_back(std::move(told));
+}
+
+void Database::listRuns() {
+    set_->listRuns();
+    for (ChangeSet const* lent : lentSets_) lent->listRuns();
 }
 
 void Database::notifyObservers(ChangeSet const& set, bool transient) {

@@ -111,6 +111,7 @@ public:
     // ---- for the classes of this library and the graph ----
     void record(std::unique_ptr<Edit> edit);
     ChangeSet& changes() { return *set_; }
+    void listRuns();  // of every change set: elements are about to come or go
     bool isReplaying() const { return replaying_; }
     Node* createDetached(NodeDef const& def);  // outside the hierarchy, without a name; recorded like any other
     // The first of so many ids: `wanted` where it and those behind it are free, otherwise behind all that were taken.
@@ -156,6 +157,7 @@ protected:
 
 private:
     friend class Attribute;
+    friend class BulkWrite;
     friend class Node;
     friend class AttributeArray;
     friend class StringAttribute;
@@ -224,6 +226,7 @@ private:
     std::size_t blockStart_ = 0;   // where the open recorded block begins in it
     std::unique_ptr<ChangeSet> set_ = std::make_unique<ChangeSet>();
     std::vector<std::unique_ptr<ChangeSet>> spareSets_;
+    std::vector<ChangeSet const*> lentSets_;  // that are being told
     std::deque<UndoItem> items_;
     std::size_t done_ = 0, maxItems_ = 100000;
     std::uint64_t nextSerial_ = 1, checkpoint_ = 0;

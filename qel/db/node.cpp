@@ -334,6 +334,7 @@ void AttributeArray::splice(std::size_t at, std::size_t removed, std::vector<Ele
 
 std::vector<ElementBlock*> AttributeArray::exchangeElements(std::size_t at, std::size_t removed,
                                                             std::vector<ElementBlock*> const& inserted) {
+    getDatabase()->listRuns();
     if (!elements_) elements_ = std::make_unique<std::vector<ElementBlock*>>();
     auto& v = *elements_;
     auto const first = v.begin() + long(at);

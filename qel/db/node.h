@@ -15,6 +15,8 @@ struct Input;
 
 namespace db {
 
+struct ElementRun;
+
 // A type of node: its names, its base, its rows. Types live as long as the program.
 class NodeDef {
 public:
@@ -141,12 +143,13 @@ public:
     std::size_t dynamicCount() const { return dynamics_ ? dynamics_->size() : 0; }
 
     // ---- what the graph above adds ----
-    virtual void valueChanged(Attribute&) {}         // a written attribute that feeds something
-    virtual void refreshValue(Attribute&) {}         // a read of a computed or connected attribute
-    virtual void onRemove() {}                       // about to be removed, still whole: recorded edits are allowed
-    virtual void onRemovePart(ElementBlock&) {}      // the same for one of its elements or dynamic attributes
-    virtual void onLife(bool /*removed*/) {}         // was removed or came back, also by undo: no recorded edits
-    virtual void onPlaceChanged(bool /*linked*/) {}  // came to or left its primary parent: no recorded edits
+    virtual void valueChanged(Attribute&) {}            // a written attribute that feeds something
+    virtual void elementsChanged(ElementRun const&) {}  // a bulk write to parts of elements, as far as it has come
+    virtual void refreshValue(Attribute&) {}            // a read of a computed or connected attribute
+    virtual void onRemove() {}                          // about to be removed, still whole: recorded edits are allowed
+    virtual void onRemovePart(ElementBlock&) {}         // the same for one of its elements or dynamic attributes
+    virtual void onLife(bool /*removed*/) {}            // was removed or came back, also by undo: no recorded edits
+    virtual void onPlaceChanged(bool /*linked*/) {}     // came to or left its primary parent: no recorded edits
     virtual bool isNotAnObject() const { return false; }  // kept out of the lists of objects
     virtual bool supportsChildren() const { return true; }
 
@@ -203,14 +206,24 @@ struct ElementBlock {
     Slot* slot = nullptr;
     bool removed = false;
 
-    Attribute& attribute() {
-        return *reinterpret_cast<Attribute*>(reinterpret_cast<char*>(this) + layout->rows[0].offset);
+    Attribute& attribute() { return part(0); }
+    Attribute& part(int row) {
+        return *reinterpret_cast<Attribute*>(reinterpret_cast<char*>(this) + layout->offsets[std::size_t(row)]);
     }
     // Takes ids, `id` if that is free, but is in no list yet.
     static ElementBlock* make(Node& node, Layout const& layout, AttributeArray* array, DynamicDef* dynamic,
                               int id = -1);
     static void destroy(ElementBlock* block);
     void setRemoved(bool on);
+};
+
+// Elements of an array from `from` to before `to`, each with the parts in these rows of its layout, as bits.
+struct ElementRun {
+    AttributeArray* array;
+    std::uint64_t rows;
+    std::size_t from, to;
+    bool operator==(ElementRun const&) const = default;
+    bool holds(Attribute const& part) const;
 };
 
 // The definition that a dynamic attribute brings along.
@@ -235,6 +248,9 @@ public:
     bool empty() const { return size() == 0; }
     Attribute* getElement(std::size_t i) const { return i < size() ? &(*elements_)[i]->attribute() : nullptr; }
     Attribute* operator[](std::size_t i) const { return getElement(i); }
+    std::span<ElementBlock* const> blocks() const {  // of the elements, until they come or go
+        return elements_ ? std::span<ElementBlock* const>(*elements_) : std::span<ElementBlock* const>();
+    }
     Attribute* add(bool = true) { return insert(unsigned(size())); }
     Attribute* insert(unsigned index, bool = true);  // null beyond the end
     bool removeAt(std::size_t index);

@@ -24,6 +24,15 @@ std::uint32_t outputBits(db::Attribute const& a) {
 
 void Node::valueChanged(db::Attribute& a) { graph().push(*this, a); }
 
+// One element stands for all; but what one of them feeds by itself is told for itself.
+void Node::elementsChanged(db::ElementRun const& run) {
+    db::ElementBlock& first = run.array->getElement(run.from)->block();
+    for (std::uint64_t rows = run.rows; rows; rows &= rows - 1)
+        graph().push(*this, first.part(int(__builtin_ctzll(rows))));
+    for (std::size_t i = 0; i < outputs.size(); ++i)
+        if (outputs[i].from && run.holds(*outputs[i].from)) graph().push(*this, *outputs[i].from);
+}
+
 void Node::refreshValue(db::Attribute& a) {
     if (std::uint32_t const bits = outputBits(a))
         update(bits);

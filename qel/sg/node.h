@@ -90,6 +90,7 @@ public:
 
     // ---- evaluation; for this library ----
     void valueChanged(db::Attribute& a) override;
+    void elementsChanged(db::ElementRun const& run) override;
     void refreshValue(db::Attribute& a) override;
     void onRemove() override;
     void onRemovePart(db::ElementBlock& part) override;

@@ -81,6 +81,7 @@ void PathGeometry::sort() {
     if (!isInOrder())
         std::sort(order_.begin(), order_.end(),
                   [&](int a, int b) { return number(a) != number(b) ? number(a) < number(b) : a < b; });
+    isSlotRank_ = std::is_sorted(order_.begin(), order_.end());
     ranks_.resize(count);
     numbers_.resize(count);
     points_.resize(count);
@@ -94,7 +95,7 @@ void PathGeometry::sort() {
 
 // ---- segments and their lengths ----
 
-CurveInterpolation PathGeometry::kindOf(int rank) const {
+inline CurveInterpolation PathGeometry::kindOf(int rank) const {
     auto const kind = CurveInterpolation(key(rank).interpolation);
     bool const isKnown = kind == CurveInterpolation::constant || kind == CurveInterpolation::spline;
     return isKnown ? kind : CurveInterpolation::linear;
@@ -107,6 +108,30 @@ PathBezier PathGeometry::curveOf(int rank) const {
     case CurveInterpolation::spline: return {{from, handle(rank, true), handle(rank + 1, false), to}};
     default: return {{from, blend(from, to, 1.0 / 3), blend(from, to, 2.0 / 3), to}};
     }
+}
+
+// False when the length is still the same. A straight one is measured sooner than compared.
+inline bool PathGeometry::replace(int rank) {
+    Segment& s = segments_[std::size_t(rank)];
+    bool const isLinear = s.kind == CurveInterpolation::linear && kindOf(rank) == CurveInterpolation::linear;
+    if (!isLinear) return replaceOther(rank);
+    double const length = (position(rank + 1) - position(rank)).length();
+    bool const isNew = length != s.length;
+    s.length = length;
+    measured_ += isNew;
+    return isNew;
+}
+
+bool PathGeometry::replaceOther(int rank) {
+    Segment& s = segments_[std::size_t(rank)];
+    Segment const before = s;
+    s.kind = kindOf(rank);
+    if (s.kind == CurveInterpolation::spline) return replaceSpline(rank, before.kind == s.kind);
+    if (before.kind == CurveInterpolation::spline) arcs_[std::size_t(rank)] = ArcLength();
+    s.length = straightLength(rank);
+    bool const isNew = s.length != before.length || s.kind != before.kind;
+    measured_ += isNew;
+    return isNew;
 }
 
 void PathGeometry::update(PathKeys const& keys) {
@@ -149,36 +174,54 @@ double PathGeometry::straightLength(int rank) const {
     return isLinear ? (position(rank + 1) - position(rank)).length() : 0;
 }
 
-void PathGeometry::keysChanged(PathKeys const& keys, std::span<int const> slots) {
-    int const count = keyCount();
-    if (keys.keys.size() != std::size_t(count) || keys.tangentsCoefficient != keys_.tangentsCoefficient)
-        return update(keys);
-    keys_ = keys;
-    for (int slot : slots)
-        if (keys.keys[std::size_t(slot)].number != numbers_[std::size_t(ranks_[std::size_t(slot)])])
-            return update(keys);
-    int first = count;
-    for (int slot : slots)
-        points_[std::size_t(ranks_[std::size_t(slot)])] = toPoint(keys.keys[std::size_t(slot)].position);
-    for (int slot : slots) {  // automatic tangents reach one key further
-        int const rank = ranks_[std::size_t(slot)];
-        for (int r = std::max(rank - 2, 0); r <= rank + 1 && r + 1 < count; ++r)
-            if (replace(r)) first = std::min(first, r);
-    }
-    if (first < count) addUp(first);
+// False when the key is not where it was in the order.
+inline bool PathGeometry::takePoint(int slot) {
+    PathKey const& k = keys_.keys[std::size_t(slot)];
+    std::size_t const rank = std::size_t(ranks_[std::size_t(slot)]);
+    points_[rank] = toPoint(k.position);
+    return k.number == numbers_[rank];
 }
 
-// False when the length is still the same. A straight one is measured sooner than compared.
-bool PathGeometry::replace(int rank) {
-    Segment const before = segments_[std::size_t(rank)];
-    Segment& s = segments_[std::size_t(rank)];
-    s.kind = kindOf(rank);
-    if (s.kind == CurveInterpolation::spline) return replaceSpline(rank, before.kind == s.kind);
-    if (before.kind == CurveInterpolation::spline) arcs_[std::size_t(rank)] = ArcLength();
-    s.length = straightLength(rank);
-    bool const isNew = s.length != before.length || s.kind != before.kind;
-    measured_ += isNew;
-    return isNew;
+bool PathGeometry::takePoints(Slots slots) {
+    for (int slot = slots.from; slot < slots.to; ++slot)
+        if (!takePoint(slot)) return false;
+    return true;
+}
+
+// Where slots are ranks. Automatic tangents reach one key further than the segments beside a key; a segment is measured
+// when all points that it may lean on are there. `first`: the first segment whose length is new, if none is before it.
+bool PathGeometry::remeasureRun(Slots slots, int& first) {
+    int const from = std::max(slots.from - 2, 0), to = std::min(slots.to + 1, keyCount() - 1);
+    constexpr int ahead = 2;
+    if (!takePoints({slots.from, std::min(from + ahead, slots.to)})) return false;
+    for (int rank = from; rank < to; ++rank) {
+        int const next = rank + ahead;
+        if (next >= slots.from && next < slots.to && !takePoint(next)) return false;
+        if (replace(rank)) first = std::min(first, rank);
+    }
+    return true;
+}
+
+bool PathGeometry::remeasureEach(std::span<Slots const> slots, int& first) {
+    for (Slots const& some : slots)
+        if (!takePoints(some)) return false;
+    for (Slots const& some : slots)
+        for (int slot = some.from; slot < some.to; ++slot) {
+            int const rank = ranks_[std::size_t(slot)];
+            for (int r = std::max(rank - 2, 0); r <= rank + 1 && r + 1 < keyCount(); ++r)
+                if (replace(r)) first = std::min(first, r);
+        }
+    return true;
+}
+
+void PathGeometry::keysChanged(PathKeys const& keys, std::span<Slots const> slots) {
+    if (keys.keys.size() != std::size_t(keyCount()) || keys.tangentsCoefficient != keys_.tangentsCoefficient)
+        return update(keys);
+    keys_ = keys;
+    int first = keyCount();
+    bool const isRun = isSlotRank_ && slots.size() == 1;
+    if (isRun ? !remeasureRun(slots[0], first) : !remeasureEach(slots, first)) return update(keys);
+    if (first < keyCount()) addUp(first);
 }
 
 bool PathGeometry::replaceSpline(int rank, bool wasSpline) {
@@ -200,7 +243,7 @@ void PathGeometry::addUp(int from) {
 
 // ---- inside the path ----
 
-double PathGeometry::fractionInside(double parameter) const {
+inline double PathGeometry::fractionInside(double parameter) const {
     int const last = keyCount() - 1;
     if (last < 1) return 0;
     if (!(length() > 0)) return parameter / last;
@@ -213,18 +256,32 @@ double PathGeometry::fractionInside(double parameter) const {
     return std::min((starts_[std::size_t(rank)] + inside) / length(), 1.0);
 }
 
+// The first that reaches so far, looked for at `near` and the two behind it before all others. What lies as densely as
+// the keys is found there without a branch that cannot be foreseen.
+inline std::size_t PathGeometry::findSegment(double distance, std::size_t near) const {
+    if (near + 2 < segments_.size()) [[likely]] {
+        std::size_t const rank = near + (starts_[near + 1] < distance) + (starts_[near + 2] < distance);
+        if (starts_[rank] < distance && distance <= starts_[rank + 1]) [[likely]]
+            return rank;
+    }
+    return std::size_t(std::lower_bound(starts_.begin() + 1, starts_.end() - 1, distance) - starts_.begin()) - 1;
+}
+
+inline double PathGeometry::parameterIn(std::size_t rank, double distance) const {
+    Segment const& s = segments_[rank];
+    double const inside = distance - starts_[rank];
+    if (s.kind == CurveInterpolation::spline) [[unlikely]]
+        return double(rank) + arcs_[rank].parameter(curves_[rank], inside);
+    return double(rank) + (s.length > 0 ? std::min(inside / s.length, 1.0) : 0);
+}
+
 double PathGeometry::parameterOf(double fraction) const {
     int const last = keyCount() - 1;
     if (last < 1 || fraction <= 0) return 0;
     if (fraction >= 1) return last;
     if (!(length() > 0)) return fraction * last;
     double const distance = fraction * length();
-    auto const end = std::lower_bound(starts_.begin() + 1, starts_.end() - 1, distance);
-    std::size_t const rank = std::size_t(end - starts_.begin()) - 1;
-    Segment const& s = segments_[rank];
-    double const inside = distance - starts_[rank];
-    if (s.kind == CurveInterpolation::spline) return double(rank) + arcs_[rank].parameter(curves_[rank], inside);
-    return double(rank) + (s.length > 0 ? std::min(inside / s.length, 1.0) : 0);
+    return parameterIn(findSegment(distance, segments_.size()), distance);
 }
 
 PathPoint PathGeometry::pointAt(double parameter) const {
@@ -276,6 +333,28 @@ double PathGeometry::parameterAt(double fraction) const {
     double const last = std::max(keyCount() - 1, 0);
     if (last == 0) return 0;
     return last * extend(fraction, [&](double x) { return parameterOf(x) / last; });
+}
+
+void PathGeometry::fractionsAt(std::span<float const> parameters, std::vector<double>& out) const {
+    out.resize(parameters.size());
+    double const last = std::max(keyCount() - 1, 0);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        double const parameter = double(parameters[i]);
+        out[i] = parameter >= 0 && parameter <= last ? fractionInside(parameter) : fractionAt(parameter);
+    }
+}
+
+void PathGeometry::parametersAt(std::span<float const> fractions, std::vector<float>& out) const {
+    out.resize(fractions.size());
+    double const whole = length();
+    std::size_t near = 0;
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        double const fraction = double(fractions[i]), distance = fraction * whole;
+        bool const isInside = fraction > 0 && fraction < 1 && whole > 0;
+        if (isInside) [[likely]]
+            near = findSegment(distance, near);
+        out[i] = float(isInside ? parameterIn(near, distance) : parameterAt(fraction));
+    }
 }
 
 double PathGeometry::parameterInside(double fraction) const { return parameterOf(fold(bounded(fraction)).at); }

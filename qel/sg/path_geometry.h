@@ -55,8 +55,11 @@ class PathGeometry {
 public:
     // Any change. Linear in the keys, but for the lengths of what changed.
     void update(PathKeys const& keys);
+    struct Slots {
+        int from, to;  // to before that one
+    };
     // Of the keys only those in these slots changed. Costs what changed, and adding up behind it.
-    void keysChanged(PathKeys const& keys, std::span<int const> slots);
+    void keysChanged(PathKeys const& keys, std::span<Slots const> slots);
 
     int keyCount() const { return int(order_.size()); }
     double length() const { return starts_.empty() ? 0 : starts_.back(); }  // metres
@@ -72,7 +75,10 @@ public:
     // of the parameters that have the fraction, and the last key for 1.
     double fractionAt(double parameter) const;
     double parameterAt(double fraction) const;
-    // The same, brought back between the first and the last key, as what repeats repeats.
+    // The same for many: neighbours on the path are found by walking.
+    void fractionsAt(std::span<float const> parameters, std::vector<double>& out) const;
+    void parametersAt(std::span<float const> fractions, std::vector<float>& out) const;
+    // One parameter, brought back between the first and the last key, as what repeats repeats.
     double parameterInside(double fraction) const;
 
     // False, and no change, without keys.
@@ -104,17 +110,24 @@ private:
     int rankOf(int number) const;
     bool isInOrder() const;
     void sort();
-    CurveInterpolation kindOf(int rank) const;
+    inline bool takePoint(int slot);
+    bool takePoints(Slots slots);
+    bool remeasureRun(Slots slots, int& first);
+    bool remeasureEach(std::span<Slots const> slots, int& first);
+    inline CurveInterpolation kindOf(int rank) const;
     PathBezier curveOf(int rank) const;
     void makeRoom();
     bool isSame(int rank, int measured) const;
-    bool replace(int rank);
+    inline bool replace(int rank);
+    bool replaceOther(int rank);
     bool replaceSpline(int rank, bool wasSpline);
     double straightLength(int rank) const;
     void addUp(int from);
 
-    double fractionInside(double parameter) const;
+    inline double fractionInside(double parameter) const;
     double parameterOf(double fraction) const;
+    inline std::size_t findSegment(double distance, std::size_t near) const;
+    inline double parameterIn(std::size_t rank, double distance) const;
     PathPoint pointAt(double parameter) const;
     PathPoint endDirection(bool atStart) const;
     Folded fold(double x) const;
@@ -122,6 +135,7 @@ private:
 
     PathKeys keys_;
     std::vector<int> order_, ranks_, numbers_;  // slot by rank, rank by slot, the keys' numbers by rank
+    bool isSlotRank_ = true;                    // the slots stand in the order of the keys
     std::vector<PathPoint> points_;             // the keys' positions by rank
     std::vector<Segment> segments_;             // by the rank of the left key, as the next two
     std::vector<PathBezier> curves_;            // of splines; the others follow from their keys

@@ -6,13 +6,7 @@
 namespace sg {
 namespace {
 
-PathKey readKey(db::Attribute const& key) {
-    using T = TrajectoryNode;
-    ElementParts const parts(key);
-    return {parts.read<db::IntAttribute>(1 + T::KeyParameter), parts.read<db::EnumAttribute>(1 + T::Interpolation),
-            parts.read<db::Vector3Attribute>(1 + T::InHandle), parts.read<db::Vector3Attribute>(1 + T::Position),
-            parts.read<db::Vector3Attribute>(1 + T::OutHandle)};
-}
+template<class A> auto const& rawAt(char const* place) { return reinterpret_cast<A const*>(place)->raw(); }
 
 PathRotationKey readRotationKey(db::Attribute const& key) {
     using T = TrajectoryNode;
@@ -38,9 +32,28 @@ void TrajectoryNode::note(db::Attribute const& a) {
         areAllChanged_ = true;
     } else if (a.has(db::Attribute::outside) && a.block().array == &keyArray()) {
         int const slot = int(a.block().index);
-        if (changed_.empty() || changed_.back() != slot) changed_.push_back(slot);
-        areAllChanged_ = changed_.size() > keys_.size() / 2;
+        if (!written_.empty() && written_.back() == slot) return;
+        written_.push_back(slot);
+        noteSlots({slot, slot + 1});
     }
+}
+
+void TrajectoryNode::noteSlots(PathGeometry::Slots slots) {
+    if (!changed_.empty() && changed_.back().to == slots.from)
+        changed_.back().to = slots.to;
+    else
+        changed_.push_back(slots);
+    std::size_t const most = keys_.size() / 2 + 1;
+    areAllChanged_ = changed_.size() > most || written_.size() > most;
+}
+
+void TrajectoryNode::elementsChanged(db::ElementRun const& run) {
+    if (run.array == &keyArray() && !areAllChanged_) {
+        PathGeometry::Slots const slots{int(run.from), int(run.to)};
+        gather(slots);
+        noteSlots(slots);
+    }
+    TransformNode::elementsChanged(run);
 }
 
 void TrajectoryNode::valueChanged(db::Attribute& a) {
@@ -60,15 +73,30 @@ bool TrajectoryNode::hasConnectedKey() const {
     });
 }
 
+void TrajectoryNode::gather(PathGeometry::Slots slots) {
+    auto const blocks = keyArray().blocks();
+    std::uint32_t const* const offsets = keyArray().elementLayout().offsets.data() + 1;
+    std::uint32_t const number = offsets[KeyParameter], kind = offsets[Interpolation], in = offsets[InHandle],
+                        position = offsets[Position], out = offsets[OutHandle];
+    for (int slot = slots.from; slot < slots.to; ++slot) {
+        char const* const block = reinterpret_cast<char const*>(blocks[std::size_t(slot)]);
+        PathKey& key = keys_[std::size_t(slot)];
+        key.number = rawAt<db::IntAttribute>(block + number);
+        key.interpolation = rawAt<db::EnumAttribute>(block + kind);
+        key.inHandle = rawAt<db::Vector3Attribute>(block + in);
+        key.position = rawAt<db::Vector3Attribute>(block + position);
+        key.outHandle = rawAt<db::Vector3Attribute>(block + out);
+    }
+}
+
 void TrajectoryNode::gatherKeys() {
-    db::AttributeArray const& array = keyArray();
     areAllChanged_ = areAllChanged_ || hasConnectedKey();
     if (areAllChanged_) {
-        keys_.resize(array.size());
-        for (std::size_t slot = 0; slot < keys_.size(); ++slot) keys_[slot] = readKey(*array[slot]);
-    }
-    for (int slot : changed_)
-        if (!areAllChanged_) keys_[std::size_t(slot)] = readKey(*array[std::size_t(slot)]);
+        keys_.resize(keyArray().size());
+        gather({0, int(keys_.size())});
+    } else
+        for (int slot : written_) gather({slot, slot + 1});
+    written_.clear();
 }
 
 // ---- evaluation by the graph ----

@@ -3,7 +3,8 @@
 // transform.
 //
 // What was gathered from the keys is kept beside the node's block. A write to a key notes its slot, so that the next
-// read looks at the keys that changed and at no others; it finds what gathering all of them would find.
+// read looks at the keys that changed and at no others; it finds what gathering all of them would find. Those of a bulk
+// write are looked at while it runs, as they are at hand.
 #pragma once
 #include "qel/sg/animation_node.h"
 #include "qel/sg/path_geometry.h"
@@ -84,6 +85,7 @@ public:
 
     void compute(std::uint64_t todo) override;
     void valueChanged(db::Attribute& a) override;
+    void elementsChanged(db::ElementRun const& run) override;
     void refreshValue(db::Attribute& a) override;
 
 private:
@@ -91,6 +93,8 @@ private:
     db::AttributeArray& rotationArray() const { return at<db::AttributeArray>(RotationKeyframesArray); }
     PathRotations const& getRotations();
     void note(db::Attribute const& a);
+    void noteSlots(PathGeometry::Slots slots);
+    void gather(PathGeometry::Slots slots);
     bool hasConnectedKey() const;
     void gatherKeys();
     void computePath();
@@ -100,8 +104,9 @@ private:
     void computePositions();
     void computeLocalCurve();
 
-    std::vector<PathKey> keys_;  // by slot
-    std::vector<int> changed_;   // the slots of keys written to since they were gathered
+    std::vector<PathKey> keys_;                 // by slot
+    std::vector<PathGeometry::Slots> changed_;  // of keys that are not in the path yet as they are now
+    std::vector<int> written_;                  // the slots among them that are not gathered either
     bool areAllChanged_ = true;
     PathGeometry path_;
     PathRotations rotations_;

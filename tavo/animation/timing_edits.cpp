@@ -24,16 +24,18 @@ void setOutputs(Doubles const& fractions, Floats& outputs) {
     std::transform(fractions.begin(), fractions.end(), outputs.begin(), [](double f) { return float(f); });
 }
 
-// The time from each key of the order to the next; the last has none.
-Doubles newDurations(Doubles const& newFractions, Qelutils::Vector<int> const& order, double oldLength,
-                     double newLength, double eps, XTimingKeys const& keys) {
-    Doubles out(order.size());
-    for (std::size_t k = 0; k + 1 < order.size(); ++k) {
-        int const a = order[k], b = order[k + 1];
+// The times by slot, from that of the first key in the order on: the time to the next key changes as the distance does.
+Floats newTimes(double time, Doubles const& newFractions, Qelutils::Vector<int> const& order, double oldLength,
+                double newLength, double eps, XTimingKeys const& keys) {
+    Floats out = keys.inputs;
+    out[order[0]] = float(time);
+    for (std::size_t k = 1; k < order.size(); ++k) {
+        int const a = order[k - 1], b = order[k];
         double const oldDistance = (double(keys.outputs[b]) - double(keys.outputs[a])) * oldLength;
         double const newDistance = newLength * (newFractions[b] - newFractions[a]);
-        out[k] = double(keys.inputs[b]) - double(keys.inputs[a]);
-        if (std::abs(oldDistance) > eps) out[k] = out[k] * newDistance / oldDistance;
+        double duration = double(keys.inputs[b]) - double(keys.inputs[a]);
+        if (std::abs(oldDistance) > eps) duration = duration * newDistance / oldDistance;
+        out[b] = float(time += duration);
     }
     return out;
 }
@@ -58,12 +60,8 @@ bool RetainFeel(Doubles const& newFractions, Qelutils::Vector<int> const& order,
                 double eps, XTimingKeys& keys) {
     if (!areAlike(keys, newFractions.size()) || !areSlots(order, newFractions.size())) return false;
     if (order.empty()) return true;
-    Doubles const durations = newDurations(newFractions, order, oldLength, newLength, eps, keys);
-    double time = double(keys.outputs[order[0]]);  // the output, on purpose
-    for (std::size_t k = 0; k < order.size(); ++k) {
-        keys.inputs[order[k]] = float(time);
-        time += durations[k];
-    }
+    double const first = double(keys.outputs[order[0]]);  // the output, on purpose
+    keys.inputs = newTimes(first, newFractions, order, oldLength, newLength, eps, keys);
     setOutputs(newFractions, keys.outputs);
     return true;
 }

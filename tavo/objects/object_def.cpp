@@ -22,15 +22,17 @@ XObjectDef::XObjectDef() : _nodeTypes{sg::Node::ClassID}, _objectTypes{XObject::
 std::wstring const& XObjectDef::ObjectType() const { return lastOf(_objectTypes); }
 std::wstring const& XObjectDef::NodeType() const { return lastOf(_nodeTypes); }
 
+// A class is older than those derived from it, and so the first in their list.
 int XObjectDef::NodeTypeID() const {
-    db::NodeDef const* def = nodeDef(NodeType());
-    return def ? def->getTypeID() : -1;
+    auto const& ids = NodeTypeIDs();
+    return ids.empty() ? -1 : ids.front();
 }
 
 // Node types are only ever added, so a list that has looked at all of them is complete.
 Qelutils::Vector<int> const& XObjectDef::NodeTypeIDs() const {
-    db::NodeDef const* const def = nodeDef(NodeType());
     auto const& all = db::Registry::getInstance().all();
+    if (_nodeTypesSeen == all.size()) return _nodeTypeIDs;
+    db::NodeDef const* const def = nodeDef(NodeType());
     for (; def && _nodeTypesSeen < all.size(); ++_nodeTypesSeen)
         if (all[_nodeTypesSeen]->isOfType(*def)) _nodeTypeIDs.push_back(all[_nodeTypesSeen]->getTypeID());
     return _nodeTypeIDs;

@@ -88,7 +88,7 @@ public:
         _array(node.at<db::AttributeArray>(number)), _layout(_array.elementLayout()) {}
 
     int count() const { return int(_array.size()); }
-    Key operator[](int slot) const { return Key(_array.getElement(std::size_t(slot))->block(), _layout); }
+    Key operator[](int slot) const { return Key(*_array.blocks()[std::size_t(slot)], _layout); }
     db::AttributeArray& array() const { return _array; }
 
 private:

@@ -1,4 +1,5 @@
 // Moving, scaling, turning and bending translation keys by weights.
+#include "qel/db/bulk_write.h"
 #include "tavo/trajectories/points.h"
 #include "tavo/trajectories/trajectory_edit.h"
 #include <algorithm>
@@ -9,9 +10,37 @@ namespace {
 std::wstring const moveLabel = L"Move Translation Keyframes", scaleLabel = L"Scale Translation Keyframes",
                    rotateLabel = L"Rotate Translation Keyframes", bendLabel = L"Bend Translation Keyframes";
 
-// How the points of keys are written.
-struct Writer {
-    void operator()(db::Vector3Attribute& part, Qelp::Vector3 const& value) const { part.setValue(value); }
+// The points of a key.
+struct Points {
+    Qelp::Vector3 in, position, out;
+};
+
+void changeAlone(XTranslationKey const& key, auto const& step) {
+    Points const now = step({key.inHandle(), key.position(), key.outHandle()});
+    key.setInHandle(now.in), key.setPosition(now.position), key.setOutHandle(now.out);
+}
+
+// Edits of many keys, by rising slots; each step gives new points for old ones.
+class KeyChanges {
+public:
+    explicit KeyChanges(XTranslationKeys const& keys) :
+        _keys(keys), _write(keys.array(), {1 + Part::InHandle, 1 + Part::Position, 1 + Part::OutHandle}) {}
+    void change(int slot, auto const& step) {
+        if (!_write.open(std::size_t(slot))) [[unlikely]]
+            return changeAlone(_keys[slot], step);
+        Qelp::Vector3 &in = point(0), &position = point(1), &out = point(2);
+        Points const now = step({in, position, out});
+        set(in, now.in), set(position, now.position), set(out, now.out);
+    }
+
+private:
+    using Part = XTranslationKey::Part;
+    // By component: a vector that was put together on the stack would have to get there before it can be copied whole.
+    static void set(Qelp::Vector3& to, Qelp::Vector3 const& v) { to.x = v.x, to.y = v.y, to.z = v.z, to.w = v.w; }
+    Qelp::Vector3& point(std::size_t i) const { return _write.part<db::Vector3Attribute>(i).raw(); }
+
+    XTranslationKeys _keys;
+    db::BulkWriteOf<3> _write;
 };
 
 // An affine transform of points, as a matrix of row vectors, in double.
@@ -45,14 +74,9 @@ private:
     double _m[4][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}};
 };
 
-template<class Map> void transform(Writer& write, XTranslationKey const& key, Map const& map) {
-    for (int part :
-         {XTranslationKey::Part::InHandle, XTranslationKey::Part::Position, XTranslationKey::Part::OutHandle})
-        write(key.point(part), map(key.point(part).getValue()));
-}
-
-void apply(Affine const& map, Writer& write, XTranslationKey const& key) {
-    transform(write, key, [&](Qelp::Vector3 const& p) { return toVector(map.apply(PathPoint(p))); });
+Points apply(Affine const& map, Points const& p) {
+    auto const mapped = [&](Qelp::Vector3 const& point) { return toVector(map.apply(PathPoint(point))); };
+    return {mapped(p.in), mapped(p.position), mapped(p.out)};
 }
 
 // A frame and the way into it. One that cannot be inverted is its own inverse, as XMatrix::Invert leaves it.
@@ -63,9 +87,10 @@ struct Frame {
 
 // ---- what is done to one key ----
 
-void move(Writer& write, XTranslationKey const& key, Qelp::Vector3 const& delta, float weight) {
+inline Points move(Points const& p, Qelp::Vector3 const& delta, float weight) {
     float const x = delta.x * weight, y = delta.y * weight, z = delta.z * weight;
-    transform(write, key, [=](Qelp::Vector3 const& p) { return Qelp::Vector3{p.x + x, p.y + y, p.z + z, 0}; });
+    auto const moved = [=](Qelp::Vector3 const& v) { return Qelp::Vector3{v.x + x, v.y + y, v.z + z, 0}; };
+    return {moved(p.in), moved(p.position), moved(p.out)};
 }
 
 PathPoint scaled(PathPoint const& p, XVector3 const& scale, float weight) {
@@ -74,22 +99,20 @@ PathPoint scaled(PathPoint const& p, XVector3 const& scale, float weight) {
 }
 
 // The handles' offsets are not turned back out of the frame: a decision of this system.
-void scale(Writer& write, XTranslationKey const& key, Frame const& frame, XVector3 const& scale, float weight) {
-    PathPoint const old(key.position()), position = frame.out.apply(scaled(frame.in.apply(old), scale, weight));
+Points scale(Points const& p, Frame const& frame, XVector3 const& scale, float weight) {
+    PathPoint const old(p.position), position = frame.out.apply(scaled(frame.in.apply(old), scale, weight));
     auto const handle = [&](Qelp::Vector3 const& point) {
         return toVector(position + scaled(frame.in.rotate(PathPoint(point) - old), scale, weight));
     };
-    for (int part : {XTranslationKey::Part::InHandle, XTranslationKey::Part::OutHandle})
-        write(key.point(part), handle(key.point(part).getValue()));
-    write(key.point(XTranslationKey::Part::Position), toVector(position));
+    return {handle(p.in), toVector(position), handle(p.out)};
 }
 
 Affine rotationBy(XVector3 const& rotation, float weight) {
     return Affine(XMatrix(XQuaternion(XVector3(rotation).Scale(weight))).AsMatrix());
 }
 
-void rotate(Writer& write, XTranslationKey const& key, Frame const& frame, XVector3 const& rotation, float weight) {
-    apply(frame.in.then(rotationBy(rotation, weight)).then(frame.out), write, key);
+Points rotate(Points const& p, Frame const& frame, XVector3 const& rotation, float weight) {
+    return apply(frame.in.then(rotationBy(rotation, weight)).then(frame.out), p);
 }
 
 // ---- weights ----
@@ -103,25 +126,20 @@ Qelutils::Vector<float> weightsOfNamed(sg::TrajectoryNode& node, Qelutils::Vecto
 void forWeights(sg::TrajectoryNode& node, Qelutils::Vector<float> const& weights, auto const& step) {
     XTranslationKeys const keys(node);
     int const count = std::min(keys.count(), int(weights.size()));
-    Writer write;
+    KeyChanges changes(keys);
     for (int slot = 0; slot < count; ++slot)
-        if (float const weight = weights[std::size_t(slot)]; weight != 0) step(write, keys[slot], weight);
+        if (float const weight = weights[std::size_t(slot)]; weight != 0)
+            changes.change(slot, [&](Points const& p) { return step(p, weight); });
 }
 
 auto mover(XVector3 const& delta) {
-    return [by = delta.AsVector()](Writer& write, XTranslationKey const& key, float weight) {
-        move(write, key, by, weight);
-    };
+    return [by = delta.AsVector()](Points const& p, float weight) { return move(p, by, weight); };
 }
 auto scaler(XMatrix const& frame, XVector3 const& factors) {
-    return [&factors, in = Frame(frame)](Writer& write, XTranslationKey const& key, float weight) {
-        scale(write, key, in, factors, weight);
-    };
+    return [&factors, in = Frame(frame)](Points const& p, float weight) { return scale(p, in, factors, weight); };
 }
 auto rotator(XMatrix const& frame, XVector3 const& rotation) {
-    return [&rotation, in = Frame(frame)](Writer& write, XTranslationKey const& key, float weight) {
-        rotate(write, key, in, rotation, weight);
-    };
+    return [&rotation, in = Frame(frame)](Points const& p, float weight) { return rotate(p, in, rotation, weight); };
 }
 
 }  // namespace
@@ -284,8 +302,9 @@ XTrajectory& XTrajectory::BendTranslationKeyframePosition_interactive(Floats con
 void XTrajectory::bendTranslationKeyframePosition_core(Floats const& weights, XVector3 const& rotation, bool forward) {
     XTranslationKeys const keys(*pathNode());
     int const count = keys.count(), step = forward ? 1 : -1;
-    Writer write;
+    KeyChanges changes(keys);
     Affine map;
+    auto const bend = [&](Points const& p) { return apply(map, p); };
     for (int k = 1; k < count; ++k) {
         int const slot = forward ? k : count - 1 - k;
         float const weight = slot < int(weights.size()) ? weights[std::size_t(slot)] : 0;
@@ -294,27 +313,27 @@ void XTrajectory::bendTranslationKeyframePosition_core(Floats const& weights, XV
             Affine const turn = rotationBy(rotation, weight);
             map = map.then(Affine::translation(pivot * -1)).then(turn).then(Affine::translation(pivot));
         }
-        if (map != Affine()) apply(map, write, keys[slot]);
+        if (map == Affine()) continue;
+        forward ? changes.change(slot, bend) : changeAlone(keys[slot], bend);
     }
 }
 
 // ---- one key ----
 
 void XTrajectory::editTranslationKeyframePosition_noCheck(int slot, XVector3 const& delta, float weight) {
-    Writer write;
-    move(write, XTranslationKeys(*pathNode())[slot], delta.AsVector(), weight);
+    changeAlone(XTranslationKeys(*pathNode())[slot], [&](Points const& p) { return mover(delta)(p, weight); });
 }
 
 void XTrajectory::scaleTranslationKeyframePosition_noCheck(int slot, XMatrix const& frame, XVector3 const& factors,
                                                            float weight) {
-    Writer write;
-    scale(write, XTranslationKeys(*pathNode())[slot], Frame(frame), factors, weight);
+    changeAlone(XTranslationKeys(*pathNode())[slot],
+                [&](Points const& p) { return scaler(frame, factors)(p, weight); });
 }
 
 void XTrajectory::rotateTranslationKeyframePosition_noCheck(int slot, XMatrix const& frame, XVector3 const& rotation,
                                                             float weight) {
-    Writer write;
-    rotate(write, XTranslationKeys(*pathNode())[slot], Frame(frame), rotation, weight);
+    changeAlone(XTranslationKeys(*pathNode())[slot],
+                [&](Points const& p) { return rotator(frame, rotation)(p, weight); });
 }
 
 }  // namespace Tavo

@@ -1,7 +1,6 @@
 // Repairing the timing of a motion when its path changes.
 #include "tavo/animation/timing_edits.h"
 #include "tavo/app/application.h"
-#include "tavo/trajectories/path_measure.h"
 #include "tavo/trajectories/timing_curve.h"
 #include "tavo/trajectories/trajectory_edit.h"
 
@@ -18,22 +17,29 @@ constexpr wchar_t const* pathNotSampled = L"Smart editing is only available on s
 
 enum Mode { RetainFeelMode = 0, RetainConstraintsMode = 1, NotUsedMode = 2 };
 
+using Node = sg::TrajectoryNode;
+
+// The node is asked and not its handle: this comes twice with each event of a drag.
+Node& nodeOf(XTrajectory const& trajectory) { return *static_cast<Node*>(trajectory.getNode()); }
+int modeOf(Node const& node) { return node.at<db::EnumAttribute>(Node::SmartEditing).getValue(); }
+
 // Why the timing cannot be repaired, or null.
 wchar_t const* obstacle(XTrajectory const& trajectory) {
-    if (!trajectory.InputValue().IsConnectedInput()) return notConnected;
+    Node const& node = nodeOf(trajectory);
+    if (!node.graph().getInputAttribute(&node.at<db::Attribute>(Node::InputValue))) return notConnected;
     if (!XTimingCurve(trajectory).isSampled()) return curveNotSampled;
-    return trajectory.IsTranslationCurveSampled().Boolean() ? nullptr : pathNotSampled;
+    return node.at<db::BoolAttribute>(Node::IsTranslationCurveSampled).getValue() ? nullptr : pathNotSampled;
 }
 
 bool isWanted(XTrajectory const& trajectory) {
-    return trajectory.IsValid() && trajectory.IsEditable() && trajectory.SmartEditing().Enumeration() != NotUsedMode;
+    return trajectory.IsValid() && trajectory.IsEditable() && modeOf(nodeOf(trajectory)) != NotUsedMode;
 }
 
 // Fractions are floats, as the curve will hold them: a speed is kept between what is stored.
-Qelutils::Vector<double> fractionsOf(XPathMeasure& path, Qelutils::Vector<float> const& parameters) {
+Qelutils::Vector<double> fractionsOf(sg::PathGeometry const& path, Qelutils::Vector<float> const& parameters) {
     Qelutils::Vector<double> out;
-    out.reserve(parameters.size());
-    for (float parameter : parameters) out.push_back(double(float(path.fractionAt(double(parameter)))));
+    path.fractionsAt(parameters, out);
+    for (double& fraction : out) fraction = double(float(fraction));
     return out;
 }
 
@@ -45,25 +51,22 @@ bool XTrajectory::smartEditInit(float& length, Floats& parameters) const {
         XApplication::Instance().LogWarning(why);
         return false;
     }
-    sg::PathGeometry const& path = pathNode()->getPath();
-    length = MaxArcLength().Float();
-    parameters.clear();
-    for (float fraction : XTimingCurve(*this).outputs())
-        parameters.push_back(float(path.parameterAt(double(fraction))));
+    length = pathNode()->at<db::FloatAttribute>(Node::MaxArcLength).getValue();
+    pathNode()->getPath().parametersAt(XTimingCurve(*this).outputs(), parameters);
     return true;
 }
 
 bool XTrajectory::smartEditCore(float oldLength, Floats const& parameters) {
     if (!isWanted(*this) || obstacle(*this)) return false;
     XTrajectoryEdit const edit(*this, label);
-    int const mode = SmartEditing().Enumeration();
+    int const mode = modeOf(*pathNode());
     if (mode == RetainFeelMode) smartEditCore_retainFeel_noCheck(oldLength, parameters, shortestDistance);
     if (mode == RetainConstraintsMode) smartEditCore_retainConstraints_noCheck(oldLength, parameters, shortestDistance);
     return true;
 }
 
 void XTrajectory::smartEditCore_retainFeel_noCheck(float oldLength, Floats const& parameters, float eps) {
-    XPathMeasure path(*pathNode());
+    sg::PathGeometry const& path = pathNode()->getPath();
     XTimingCurve const curve(*this);
     XTimingKeys keys = curve.keys();
     if (RetainFeel(fractionsOf(path, parameters), curve.order(), double(oldLength), double(float(path.length())),
@@ -72,10 +75,9 @@ void XTrajectory::smartEditCore_retainFeel_noCheck(float oldLength, Floats const
 }
 
 void XTrajectory::smartEditCore_retainConstraints_noCheck(float, Floats const& parameters, float) {
-    XPathMeasure path(*pathNode());
     XTimingCurve const curve(*this);
     XTimingKeys keys = curve.keys();
-    if (RetainConstraints(fractionsOf(path, parameters), keys)) curve.write(keys);
+    if (RetainConstraints(fractionsOf(pathNode()->getPath(), parameters), keys)) curve.write(keys);
 }
 
 }  // namespace Tavo

@@ -1,7 +1,6 @@
 #include "tavo/trajectories/timing_curve.h"
 #include "qel/sg/trajectory_node.h"
 #include <algorithm>
-#include <bit>
 #include <functional>
 #include <numeric>
 
@@ -9,13 +8,6 @@ namespace Tavo {
 namespace {
 
 using Node = sg::AnimationNode;
-
-// An element that keeps its bits is not written, so that history and observers see what changed.
-void writeChanges(db::FloatArrayAttribute& array, Qelutils::Vector<float> const& values) {
-    for (std::size_t i = 0; i < values.size(); ++i)
-        if (std::bit_cast<unsigned>(array.getElement(i)) != std::bit_cast<unsigned>(values[i]))
-            array.setElement(values[i], i);
-}
 
 }  // namespace
 
@@ -47,8 +39,8 @@ XTimingKeys XTimingCurve::keys() const {
 
 void XTimingCurve::write(XTimingKeys const& keys) const {
     if (!_node || !XObject(_node).IsEditable()) return;
-    writeChanges(array(Node::KeyframeInputValues), keys.inputs);
-    writeChanges(array(Node::KeyframeOutputValues), keys.outputs);
+    array(Node::KeyframeInputValues).setElements(0, keys.inputs);
+    array(Node::KeyframeOutputValues).setElements(0, keys.outputs);
 }
 
 }  // namespace Tavo

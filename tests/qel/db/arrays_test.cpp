@@ -1,5 +1,7 @@
 // Arrays of values: edits of elements, in one step and across steps. And arrays of attributes.
 #include "tests/qel/db/fixture.h"
+#include <cmath>
+#include <random>
 
 namespace db::test {
 namespace {
@@ -94,6 +96,107 @@ TEST_F(Arrays, OneElementKeepsAPageAndNotACopy) {
     for (int i = 0; i < 100; ++i) gesture([&] { numbers(n).setElement(float(i), 5000); });
     database.commitTransient();
     EXPECT_LT(database.getHistoryBytes() - before, 1024u);
+}
+
+TEST_F(Arrays, ManyElementsAreSetInOneWriteThatKeepsThePagesThatDiffer) {
+    fill(100);
+    Floats const before = values();
+    Floats now = before;
+    now[20] = -1, now[99] = -2;
+    database.commitTransient();
+    std::size_t const bytes = database.getHistoryBytes();
+    step([&] { EXPECT_TRUE(numbers(n).setElements(0, now)); });
+    EXPECT_EQ(values(), now);
+    EXPECT_LT(database.getHistoryBytes() - bytes, 100 * sizeof(float));
+    database.undo();
+    EXPECT_EQ(values(), before);
+    database.redo();
+    EXPECT_EQ(values(), now);
+}
+
+TEST_F(Arrays, ElementsThatKeepTheirBitsAreNoWrite) {
+    fill(40);
+    std::size_t const told = watcher.told();
+    std::uint64_t const revision = numbers(n).revision();
+    Floats const same = values();
+    step([&] {
+        EXPECT_TRUE(numbers(n).setElements(0, same));
+        EXPECT_TRUE(numbers(n).setElements(40, {}));
+    });
+    EXPECT_EQ(watcher.told(), told);
+    EXPECT_EQ(numbers(n).revision(), revision);
+    step([&] { numbers(n).setElements(0, Floats{-0.F}); });
+    EXPECT_TRUE(std::signbit(numbers(n).getElement(0))) << "equal, but not the same bits";
+    EXPECT_EQ(numbers(n).revision(), revision + 1);
+}
+
+TEST_F(Arrays, ElementsAreSetFromAnyPlaceOnButNotBeyondTheEnd) {
+    fill(40);
+    step([&] { EXPECT_TRUE(numbers(n).setElements(15, Floats{7, 8, 9})); });
+    Floats const before = values();
+    EXPECT_EQ(Floats(before.begin() + 14, before.begin() + 19), (Floats{14, 7, 8, 9, 18}));
+    step([&] {
+        EXPECT_FALSE(numbers(n).setElements(0, Floats(41, 1)));
+        EXPECT_FALSE(numbers(n).setElements(39, Floats{1, 2}));
+        EXPECT_FALSE(numbers(n).setElements(41, {}));
+        EXPECT_FALSE(numbers(n).setElements(std::size_t(-1), Floats{1, 2}));
+    });
+    EXPECT_EQ(values(), before);
+    numbers(n).set(Attribute::live);
+    step([&] { EXPECT_FALSE(numbers(n).setElements(0, Floats{3})) << "it takes its value from elsewhere"; });
+    numbers(n).clear(Attribute::live);
+    EXPECT_EQ(values(), before);
+}
+
+TEST_F(Arrays, ElementsSetAroundASpliceInOneStepGoBack) {
+    fill(40);
+    Floats const before = values();
+    step([&] {
+        numbers(n).setElements(0, Floats(40, -1));
+        numbers(n).insert(-2, 20);
+        numbers(n).setElements(0, Floats(41, -3));
+        numbers(n).resize(50);
+        numbers(n).setElements(0, Floats(50, -4));
+    });
+    EXPECT_EQ(values(), Floats(50, -4));
+    database.undo();
+    EXPECT_EQ(values(), before);
+}
+
+TEST_F(Arrays, RandomWritesOfElementsAndSplicesGoBackAndForthAsPlainVectorsSay) {
+    constexpr unsigned seed = 4711;
+    std::mt19937 random(seed);
+    auto const below = [&](std::size_t count) { return std::size_t(random() % count); };
+    fill(100);
+    database.clearUndoHistory();
+    Floats now = values();
+    std::vector<Floats> states{now};
+    auto const edit = [&] {
+        std::size_t const at = below(now.size()), count = 1 + below(now.size() - at), what = below(4);
+        float const value = float(random() % 100);
+        if (what < 2) {
+            Floats some(now.begin() + long(at), now.begin() + long(at + count));
+            for (float& v : some)
+                if (below(20) == 0) v = value;
+            numbers(n).setElements(at, some);
+            std::copy(some.begin(), some.end(), now.begin() + long(at));
+        } else if (what == 2) {
+            numbers(n).insert(value, at);
+            now.insert(now.begin() + long(at), value);
+        } else if (now.size() > 50) {
+            numbers(n).removeAt(at);
+            now.erase(now.begin() + long(at));
+        }
+    };
+    for (int round = 0; round < 200; ++round) {
+        step([&] {
+            for (std::size_t i = 0; i < 1 + below(4); ++i) edit();
+        });
+        ASSERT_EQ(values(), now) << round << ", seed " << seed;
+        if (states.size() == database.getUndoCount()) states.push_back(now);
+    }
+    while (database.undo()) { ASSERT_EQ(values(), states[database.getUndoCount()]) << "seed " << seed; }
+    while (database.redo()) { ASSERT_EQ(values(), states[database.getUndoCount()]) << "seed " << seed; }
 }
 
 TEST_F(Arrays, AGestureOfManyElementsIsOneStep) {

@@ -2,6 +2,7 @@
 #include "tests/qel/sg/random_path.h"
 #include <array>
 #include <gtest/gtest.h>
+#include <limits>
 #include <numeric>
 
 namespace sg {
@@ -78,6 +79,13 @@ std::vector<double> answers(PathGeometry const& g) {
         all.insert(all.end(), {g.fractionAt(fraction * g.keyCount()), g.parameterAt(fraction), double(g.findKey(i))});
     }
     return all;
+}
+
+std::vector<int> each(std::vector<PathGeometry::Slots> const& slots) {
+    std::vector<int> out;
+    for (auto const& some : slots)
+        for (int slot = some.from; slot < some.to; ++slot) out.push_back(slot);
+    return out;
 }
 
 // ---- few keys ----
@@ -365,9 +373,12 @@ TEST(PathGeometry, TenThousandEditsLeaveTheBitsOfAFreshOne) {
             path.coefficient = random.real(-0.2, 0.8);
             path.update();
         } else if (count > 0) {
-            std::vector<int> slots(std::size_t(1 + random.below(4)));
-            for (int& slot : slots) {
-                slot = random.below(count);
+            std::vector<PathGeometry::Slots> slots;
+            for (int i = random.below(4); i >= 0; --i) {
+                int const from = random.below(count), to = from + 1 + random.below(2) * random.below(count - from);
+                slots.push_back({from, to});
+            }
+            for (int slot : each(slots)) {
                 PathKey const fresh = random.key(path.keys[std::size_t(slot)].number);
                 PathKey& key = path.keys[std::size_t(slot)];
                 if (what < 8)
@@ -391,6 +402,28 @@ TEST(PathGeometry, TenThousandEditsLeaveTheBitsOfAFreshOne) {
     }
 }
 
+TEST(PathGeometry, ManyPlacesInOneGoAreThoseOfSingleQuestions) {
+    RandomPath random(12);
+    for (int round = 0; round < 60; ++round) {
+        int const count = round % 12;
+        Path path(random.keys(count));
+        path.extend(Mode(round % 5), Mode(round % 4));
+        std::vector<float> asked{0, 1, -0.f, std::numeric_limits<float>::quiet_NaN(), -1e30f, 1e30f};
+        for (int i = 0; i < 50; ++i) asked.push_back(float(random.real(-1, 2)));
+        for (int i = 0; i <= 50; ++i) asked.push_back(float(i) / 50);
+        std::vector<float> parameters;
+        std::vector<double> fractions;
+        path.geometry.parametersAt(asked, parameters);
+        path.geometry.fractionsAt(parameters, fractions);
+        ASSERT_EQ(parameters.size(), asked.size());
+        ASSERT_EQ(fractions.size(), asked.size());
+        for (std::size_t i = 0; i < asked.size(); ++i) {
+            ASSERT_EQ(parameters[i], float(path.inverse(double(asked[i])))) << round << " at " << asked[i];
+            ASSERT_EQ(fractions[i], path.map(double(parameters[i]))) << round << " at " << asked[i];
+        }
+    }
+}
+
 std::vector<PathKey> longPath(int count, int kind) {
     RandomPath random(9);
     std::vector<PathKey> keys;
@@ -410,7 +443,7 @@ TEST(PathGeometry, OnlyWhatChangedIsMeasuredAgain) {
         std::uint64_t const beside = kind == linear ? 2 : 4;  // automatic tangents reach one key further
         auto const move = [&](int slot) {
             path.keys[std::size_t(slot)].position.y += 0.5f;
-            std::array const slots{slot};
+            std::array const slots{PathGeometry::Slots{slot, slot + 1}};
             path.geometry.keysChanged(path.inputs(), slots);
         };
         EXPECT_EQ(measuredBy([&] { move(5000); }), beside);

@@ -1,4 +1,5 @@
 // The path as a node: its outputs, what makes them out of date, and undo. The geometry is tested with itself.
+#include "qel/db/bulk_write.h"
 #include "qel/db/loader_xml.h"
 #include "qel/db/saver_xml.h"
 #include "qel/sg/scene.h"
@@ -34,6 +35,14 @@ struct TrajectoryNodeTest : ::testing::Test {
         key(slot, N::OutHandle)->asVector3()->setValue(k.outHandle);
         key(slot, N::Interpolation)->asEnum()->setValue(k.interpolation);
         moveKey(slot, k.position);
+    }
+    // The positions and out handles of the keys from `from` to before `to`.
+    void moveKeys(int from, int to, auto const& place) {
+        db::BulkWriteOf<2> bulk(keys(), {1 + N::Position, 1 + N::OutHandle});
+        for (int slot = from; slot < to; ++slot) {
+            if (!bulk.open(std::size_t(slot))) continue;
+            for (std::size_t part : {0, 1}) bulk.part<db::Vector3Attribute>(part).raw() = place(slot);
+        }
     }
     void addRotation(float attach, float angle, int kind = 1) {
         auto& array = path->at<db::AttributeArray>(N::RotationKeyframesArray);
@@ -424,6 +433,34 @@ TEST_F(TrajectoryNodeTest, AnEditOfOneKeyOfManyMeasuresOnlyBesideIt) {
     EXPECT_EQ(path->getPath().measured() - before, 2u) << "the table is rebuilt once a change";
 }
 
+TEST_F(TrajectoryNodeTest, ABulkWriteMeasuresWhatItMovedAndNothingElse) {
+    for (int i = 0; i < 1000; ++i) addKey(i, {float(i), float(i % 7), 0, 0});
+    length();
+    std::uint64_t const before = path->getPath().measured();
+    moveKeys(100, 300, [](int slot) { return Vector3{float(slot), 0.5f + float(slot % 5), 0, 0}; });
+    moveKey(700, {700, 9, 0, 0});
+    moveKeys(100, 300, [](int slot) { return Vector3{float(slot), float(slot % 5), 0, 0}; });
+    float const found = length();
+    EXPECT_LE(path->getPath().measured() - before, 203u);
+    Node* copy = path->makeCopy(L"copy");
+    EXPECT_EQ(found, copy->at<db::FloatAttribute>(N::MaxArcLength).getValue());
+}
+
+TEST_F(TrajectoryNodeTest, WhatAKeysPointFeedsFollowsABulkWrite) {
+    line();
+    auto* other = static_cast<N*>(scene.makeNode(L"Trajectory", L"other"));
+    auto& others = other->at<db::AttributeArray>(N::TranslationKeyframesArray);
+    others.resize(2);
+    for (int slot : {0, 1})
+        others[std::size_t(slot)]->asComposite()->getAttribute(N::KeyParameter)->asInt()->setValue(slot);
+    scene.connect(key(2, N::Position), others[1]->asComposite()->getAttribute(N::Position));
+    auto const reach = [&] { return other->at<db::FloatAttribute>(N::MaxArcLength).getValue(); };
+    EXPECT_EQ(reach(), 4);
+    moveKeys(0, 3, [](int slot) { return Vector3{float(3 * slot), 0, 0, 0}; });
+    EXPECT_EQ(reach(), 6);
+    EXPECT_EQ(length(), 6);
+}
+
 TEST_F(TrajectoryNodeTest, WhatFlowsIntoAKeyMovesThePath) {
     line();
     Node* sources[2];
@@ -468,7 +505,7 @@ struct RandomEdits : TrajectoryNodeTest, ::testing::WithParamInterface<unsigned>
         return all;
     }
     void edit(test::RandomPath& random) {
-        int const what = random.below(30), count = int(keys().size()), slot = count ? random.below(count) : 0;
+        int const what = random.below(36), count = int(keys().size()), slot = count ? random.below(count) : 0;
         if (what == 0 || count == 0)
             keys().insert(unsigned(random.below(count + 1)));
         else if (what == 1)
@@ -487,8 +524,10 @@ struct RandomEdits : TrajectoryNodeTest, ::testing::WithParamInterface<unsigned>
             real(N::Translation + random.below(3), float(random.real(-9, 9)));
         else if (what < 29)
             real(N::InterpolationTangentsCoeff, float(random.real(0, 1)));
-        else
+        else if (what < 30)
             real(N::InputValue, float(random.real(-0.5, 1.5)));
+        else
+            moveKeys(slot, slot + 1 + random.below(count - slot), [&](int) { return random.point(); });
     }
 };
 
@@ -498,6 +537,7 @@ TEST_P(RandomEdits, LeaveWhatAFreshNodeComputes) {
         keys().add();
         writeKey(i, random.key(i));
     }
+    scene.clearUndoHistory();  // so that no undo takes the path itself away
     for (int step = 0; step < 400; ++step) {
         SCOPED_TRACE(step);
         for (int i = random.below(5); i >= 0; --i) edit(random);
