@@ -1,30 +1,11 @@
-// Vectors and square matrices of three in double precision, as the inverse kinematics needs them. Row vectors: a point
+// Square matrices of three in double precision, as the inverse kinematics needs them. Row vectors: a point
 // is turned by v * m, and in a product the left factor acts first. For the solver's own files.
 #pragma once
+#include "qel/solvers/vec3.h"
 #include "qel/utils/rotation_core.h"
-#include "qel/utils/values.h"
 #include <cmath>
 
 namespace sg::ik {
-
-struct Vec3 {
-    double x = 0, y = 0, z = 0;
-
-    Vec3 operator+(Vec3 const& o) const { return {x + o.x, y + o.y, z + o.z}; }
-    Vec3 operator-(Vec3 const& o) const { return {x - o.x, y - o.y, z - o.z}; }
-    Vec3 operator-() const { return {-x, -y, -z}; }
-    Vec3 operator*(double s) const { return {x * s, y * s, z * s}; }
-    Vec3& operator+=(Vec3 const& o) { return *this = *this + o; }
-    bool operator==(Vec3 const&) const = default;
-    double operator[](int i) const { return i == 0 ? x : i == 1 ? y : z; }
-    double& operator[](int i) { return i == 0 ? x : i == 1 ? y : z; }
-};
-
-inline double dot(Vec3 const& a, Vec3 const& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-inline Vec3 cross(Vec3 const& a, Vec3 const& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-inline double length(Vec3 const& v) { return std::sqrt(dot(v, v)); }
 
 struct Mat3 {
     Vec3 row[3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
@@ -48,7 +29,6 @@ inline Qelutils::rotation::Rotation toRotation(Mat3 const& m) {
              {m.row[1].x, m.row[1].y, m.row[1].z},
              {m.row[2].x, m.row[2].y, m.row[2].z}}};
 }
-inline Vec3 rowOf(Qelp::Matrix34 const& m, int i) { return {double(m.m[i][0]), double(m.m[i][1]), double(m.m[i][2])}; }
 
 // The turn about `v` by its length, and the shortest such vector of a turn: inverses of each other below pi.
 inline Mat3 exponential(Vec3 const& v) {

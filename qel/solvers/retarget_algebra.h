@@ -1,8 +1,8 @@
-// Vectors beside the quaternions of rotation_core.h, in double precision, for the files of retargeting. Row vectors: in
+// What retargeting does with vectors and the quaternions of rotation_core.h, in double precision. Row vectors: in
 // a product of rotations the left factor acts first.
 #pragma once
+#include "qel/solvers/vec3.h"
 #include "qel/utils/rotation_core.h"
-#include "qel/utils/values.h"
 #include <algorithm>
 #include <cmath>
 
@@ -12,29 +12,12 @@ using Qelutils::rotation::conjugate;
 using Qelutils::rotation::multiply;
 using Qelutils::rotation::Quaternion;
 
-struct Vec3 {
-    double x = 0, y = 0, z = 0;
-
-    Vec3 operator+(Vec3 const& o) const { return {x + o.x, y + o.y, z + o.z}; }
-    Vec3 operator-(Vec3 const& o) const { return {x - o.x, y - o.y, z - o.z}; }
-    Vec3 operator*(double s) const { return {x * s, y * s, z * s}; }
-    Vec3& operator+=(Vec3 const& o) { return *this = *this + o; }
-    bool operator==(Vec3 const&) const = default;
-    double operator[](int i) const { return i == 0 ? x : i == 1 ? y : z; }
-    double& operator[](int i) { return i == 0 ? x : i == 1 ? y : z; }
-};
-
-inline double dot(Vec3 const& a, Vec3 const& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-inline Vec3 cross(Vec3 const& a, Vec3 const& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-inline double length(Vec3 const& v) { return std::sqrt(dot(v, v)); }
 // Zero where there is no direction.
 inline Vec3 direction(Vec3 const& v) {
     double const l = length(v);
     return l > 1e-12 ? v * (1 / l) : Vec3();
 }
-inline Vec3 translationOf(Qelp::Matrix34 const& m) { return {double(m.m[3][0]), double(m.m[3][1]), double(m.m[3][2])}; }
+inline Vec3 translationOf(Qelp::Matrix34 const& m) { return rowOf(m, 3); }
 
 // v turned by a unit quaternion.
 inline Vec3 turned(Vec3 const& v, Quaternion const& q) {

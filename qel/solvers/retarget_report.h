@@ -18,7 +18,7 @@ struct JointTracks {
     std::span<Qelp::Vector3 const> positions;
 
     std::size_t frames() const { return joints ? positions.size() / joints : 0; }
-    retargeting::Vec3 at(std::size_t frame, int joint) const {
+    Vec3 at(std::size_t frame, int joint) const {
         Qelp::Vector3 const& p = positions[frame * joints + std::size_t(joint)];
         return {double(p.x), double(p.y), double(p.z)};
     }

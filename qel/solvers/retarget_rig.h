@@ -44,7 +44,7 @@ struct RetargetJoint {
     double translationWeight = 1;  // of travel, and of what the source adds to its translation
     double rotationWeight = 1;     // 0: as its parent carries it; 1: like the source; in between by the shortest way
     double scale = 1;              // of its translation, besides the ratio
-    retargeting::Vec3 offset;      // radians, XYZ: turned by this about its own axes at last
+    Vec3 offset;                   // radians, XYZ: turned by this about its own axes at last
     std::optional<JointLimit> limit;
 };
 
@@ -90,7 +90,7 @@ struct RetargetRig {
         Quaternion offset;
         bool hasOffset = false;
         Quaternion carry;                  // from the axes of the source's parent to those of the target's
-        retargeting::Vec3 from, to;        // of a traveller: places at rest, source and target
+        Vec3 from, to;                     // of a traveller: places at rest, source and target
         Qelp::Matrix34 inverseParentRest;  // of a traveller
         Quaternion axes;                   // from the source joint's own axes to the target's
         std::optional<JointLimit> limit;

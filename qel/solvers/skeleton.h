@@ -18,7 +18,7 @@ struct Skeleton {
     bool Validate() const;
 
     std::vector<Qelp::Matrix34> restMatrices() const;  // in the world
-    std::vector<retargeting::Vec3> restPositions() const;
+    std::vector<Vec3> restPositions() const;
     std::vector<retargeting::Quaternion> restRotations() const;  // without scale
     std::vector<std::vector<int>> children() const;
 };

@@ -39,7 +39,7 @@ public:
         for (std::size_t i = 0; i < at_.size(); ++i) {
             int const parent = parents_[i];
             auto const above = parent < 0 ? retargeting::Quaternion() : world[std::size_t(parent)];
-            auto const from = parent < 0 ? retargeting::Vec3() : at_[std::size_t(parent)];
+            auto const from = parent < 0 ? Vec3() : at_[std::size_t(parent)];
             auto const inverse = retargeting::conjugate(above);
             auto const offset = retargeting::turned(at_[i] - from, inverse);
             auto const q = retargeting::multiply(world[i], inverse);
@@ -54,7 +54,6 @@ public:
     }
 
 private:
-    using Vec3 = retargeting::Vec3;
     using Quaternion = retargeting::Quaternion;
 
     int add(std::wstring const& name, int parent, Vec3 const& offset) {

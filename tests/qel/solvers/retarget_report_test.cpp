@@ -9,7 +9,6 @@ namespace sg {
 namespace {
 
 using Qelp::Vector3;
-using retargeting::Vec3;
 
 // A skeleton of five joints that walks: hips, and for each side a knee and a toe. Feet stand for half of a second and
 // swing for the other half.

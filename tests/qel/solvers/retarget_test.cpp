@@ -10,7 +10,7 @@ namespace sg {
 namespace {
 
 using Qelp::Matrix34;
-using retargeting::Vec3;
+using Vec3;
 using Pose = std::vector<Matrix34>;
 
 constexpr double degree = std::numbers::pi / 180;

@@ -12,7 +12,7 @@ namespace {
 using retargeting::isIdentity;
 using retargeting::Quaternion;
 using retargeting::slerp;
-using retargeting::Vec3;
+using retargeting::turned;
 
 // ---- arithmetic ----
 
