@@ -10,7 +10,6 @@ namespace sg {
 namespace {
 
 using Qelp::Matrix34;
-using Vec3;
 using Pose = std::vector<Matrix34>;
 
 constexpr double degree = std::numbers::pi / 180;
