@@ -79,7 +79,7 @@ TEST_F(IKSolverNodeTest, TakesATargetThatFlowsInAndDrivesWhatIsConnected) {
     Node* handleNode = scene.makeNode(L"IKHandle", L"handle");
     Node* joint = scene.makeNode(L"Joint", L"joint");
     handleNode->at<db::FloatAttribute>(TransformNode::Translation + 1).setValue(2);
-    joint->at<db::EnumAttribute>(TransformNode::TransformDataSource).setValue(LocalMatrixSource);
+    joint->at<db::EnumAttribute>(TransformNode::DataSource).setValue(LocalMatrixSource);
     EXPECT_EQ(scene.connect(handleNode->getAttribute(TransformNode::LocalMatrix), array(N::InputTargets).getElement(0)),
               Connected);
     EXPECT_EQ(
@@ -195,7 +195,7 @@ TEST_F(IKSolverNodeTest, TellsWhatItReadsFromAnArrayThatIsTooShort) {
 
 TEST_F(IKSolverNodeTest, ComesBackFromAFileWithItsConnections) {
     Node* joint = scene.makeNode(L"Joint", L"joint");
-    joint->at<db::EnumAttribute>(TransformNode::TransformDataSource).setValue(LocalMatrixSource);
+    joint->at<db::EnumAttribute>(TransformNode::DataSource).setValue(LocalMatrixSource);
     scene.connect(array(N::OutputGeometry).getElement(0), joint->getAttribute(TransformNode::LocalMatrixInput));
     Matrix34 const before = out(0);
     db::StringOutputStream file;
