@@ -163,7 +163,7 @@ constexpr Rows ikSolverRows = {
     boolean(21, L"RootLocked").affects(solved).doc(L"The topmost root does not move, only turn."),
     boolean(22, L"LockRootX").affects(solved), boolean(23, L"LockRootY").affects(solved), boolean(24, L"LockRootZ").affects(solved),
     boolean(25, L"ContinuousMode").affects(solved).doc(L"Each solve begins from the last one's result instead of the input geometry."),
-    integer(26, L"MaxIterations", 100).range(0, 1e6).affects(solved),
+    integer(26, L"MaxIterations", 200).range(0, 1e6).affects(solved),
     real(27, L"MoreBias").affects(solved).doc(L"Above 0, joints near the root turn more readily than those near the effectors."),
     real(28, L"ReverseBias").affects(solved).doc(L"Above 0, joints near the effectors turn more readily than those near the root."),
     real(29, L"PositionAccuracy", 0.0001).unit(Linear).range(0, 1e30).affects(solved).doc(L"A target this close is met."),

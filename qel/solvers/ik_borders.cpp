@@ -72,6 +72,29 @@ void Borders::clamp(Skeleton& skeleton, int joint) const {
     if (!(inside == angles)) turn = fromRotation(fromQuaternion(jointRotationAt(limit, inside)));
 }
 
+void Borders::centre(Skeleton& skeleton, int joint, double share) const {
+    JointLimit const& l = limit(joint);
+    Mat3& turn = skeleton.joints[std::size_t(joint)].turn;
+    JointLimitAngles at = measureJointRotation(l, toQuaternion(toRotation(turn)));
+    auto const shrink = [&](bool active, double angle, double& value, double middle) {
+        if (active && angle < std::numbers::pi) value += share * (middle - value);
+    };
+    shrink(l.twistActive, l.twistAngle, at.twist, l.twistOffset);
+    shrink(l.swing1Active, l.swing1Angle, at.swing1, 0);
+    shrink(l.swing2Active, l.swing2Angle, at.swing2, 0);
+    turn = fromRotation(fromQuaternion(jointRotationAt(l, at)));
+}
+
+void Borders::goTo(Skeleton& skeleton, int joint, Vec3 const& at) const {
+    JointLimit const& l = limit(joint);
+    auto const room = [](bool active, double angle) { return active ? std::min(angle, 3.0) : 3.0; };
+    JointLimitAngles const angles{l.twistOffset + at.x * room(l.twistActive, l.twistAngle),
+                                  at.y * room(l.swing1Active, l.swing1Angle),
+                                  at.z * room(l.swing2Active, l.swing2Angle)};
+    skeleton.joints[std::size_t(joint)].turn =
+        fromRotation(fromQuaternion(jointRotationAt(l, clampJointAngles(l, angles))));
+}
+
 double Borders::excess(Skeleton const& skeleton, int joint) const {
     JointLimit const& limit = limits_[std::size_t(limited_[std::size_t(joint)])];
     Quaternion const at = toQuaternion(toRotation(skeleton.joints[std::size_t(joint)].turn));

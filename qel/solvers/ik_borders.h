@@ -29,6 +29,10 @@ public:
     bool has(int joint) const { return limited_[std::size_t(joint)] >= 0; }
     void clamp(Skeleton& skeleton, int joint) const;
     double excess(Skeleton const& skeleton, int joint) const;  // radians beyond the border; 0 inside
+    // Takes the joint this part of the way to where its limits have most room: 1 is the middle.
+    void centre(Skeleton& skeleton, int joint, double share) const;
+    // To a place inside, told by three numbers in [-1, 1].
+    void goTo(Skeleton& skeleton, int joint, Vec3 const& at) const;
     LimitState measure(Skeleton const& skeleton, int joint) const;
     // What is closed whatever the step is.
     int closed(int joint, LimitState const& state, Bound (&out)[3]) const;

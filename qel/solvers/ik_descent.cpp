@@ -4,8 +4,16 @@
 namespace sg::ik {
 namespace {
 
-constexpr int mostRounds = 2;
-constexpr double largestTurn = 1.0;  // radians, of a joint in one step: the model says nothing further away
+constexpr double largestTurn = 1.0;    // radians, of a joint in one step: the model says nothing further away
+constexpr int mostRounds = 2;          // of finding out which borders hold a step; the next iteration goes on
+constexpr double firstDamping = 0.05;  // of the largest diagonal number
+constexpr double leastDamping = 1e-12, mostDamping = 1e12;
+// An eager run gives up when an iteration leaves more than this of a cost that is still far, or three of one that is
+// not.
+constexpr double slowFall = 0.9, farCost = 1e-2;
+// A patient one when so many leave more than this.
+constexpr double idleFall = 1 - 1e-7;
+constexpr int mostIdle = 8;
 
 Vec3 at(std::vector<double> const& v, std::size_t block) { return {v[3 * block], v[3 * block + 1], v[3 * block + 2]}; }
 void put(std::vector<double>& v, std::size_t block, Vec3 const& x) {
@@ -40,6 +48,11 @@ void Descent::enterLimits() {
 
 bool Descent::isReached() const {
     return tasks.positionError <= accuracy.position && tasks.orientationError <= accuracy.orientation;
+}
+
+bool Descent::isDone() const {
+    return isReached() && tasks.poleError <= accuracy.orientation && tasks.softPositionError <= accuracy.position &&
+           tasks.softOrientationError <= accuracy.orientation;
 }
 
 // ---- limits ----
@@ -81,10 +94,10 @@ bool Descent::hold(std::size_t block, Bound const& bound) {
 }
 
 // Lets go of what the tasks would rather have further inside. False if there is nothing.
-bool Descent::release(double damping) {
+bool Descent::release() {
     model_ = tasks.residual;
     addProduct(tasks, step_, model_);
-    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = damping * (step_[i] - pull_[i]);
+    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = damping_ * (step_[i] - pull_[i]);
     addTransposed(tasks, model_, gradient_);
     std::size_t const before = held_.size();
     std::erase_if(held_, [&](Held const& h) { return !h.isFixed && dot(h.across, at(gradient_, h.block)) > 0; });
@@ -137,12 +150,13 @@ void Descent::closeAll() {
 void Descent::computePull() {
     std::fill(pull_.begin(), pull_.end(), 0);
     if (preference <= 0 || preferred.turns.size() != skeleton.joints.size()) return;
+    double const share = preference * std::min(1.0, std::sqrt(2 * tasks.cost));
     for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
         Block const& block = tasks.blocks[b];
         if (block.isTranslation) continue;
         Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
         Vec3 const away = logarithm(preferred.turns[std::size_t(block.joint)] * transposed(turn));
-        put(pull_, b, unscaled(away, block.scale) * preference);
+        put(pull_, b, unscaled(away, block.scale) * share);
     }
 }
 
@@ -159,14 +173,14 @@ void Descent::linearise() {
     closeAll();
 }
 
-void Descent::computeStep(double damping) {
+void Descent::computeStep() {
     for (int again = 0;; ++again) {
         tasks.jacobian.swap(projected_);
-        linear_.solve(tasks, right_, damping, free_, step_);
+        linear_.solve(tasks, right_, damping_, free_, step_);
         tasks.jacobian.swap(projected_);
         for (std::size_t i = 0; i < step_.size(); ++i) step_[i] += fixed_[i];
         if (again == mostRounds) break;
-        bool const released = release(damping), held = hold(step_);
+        bool const released = release(), held = hold(step_);
         if (!released && !held) break;
         closeAll();
     }
@@ -198,47 +212,54 @@ void Descent::apply() {
     evaluate();
 }
 
-// By how much the model says that the cost falls.
-double Descent::predicted() {
-    model_ = residual_;
-    addProduct(tasks, change_, model_);
+// By how much the model says that the cost falls. The residuals are those from before the step.
+double Descent::predicted(double before) {
+    addProduct(tasks, change_, residual_);
     double after = 0;
-    for (double r : model_) after += r * r / 2;
-    return kept_cost_ - after;
+    for (double r : residual_) after += r * r / 2;
+    return before - after;
 }
 
-bool Descent::run(int most) {
-    double damping = -1, growth = 2;
-    int idle = 0;
-    while (!isReached() && most > 0) {
-        linearise();
-        if (damping < 0) damping = 1e-3 * linear_.largestDiagonal() + 1e-12;
-        skeleton.keep(kept_);
+// One linear model and its step, taken if it is for the better.
+bool Descent::iterate(double before) {
+    linearise();
+    if (damping_ <= 0) damping_ = firstDamping * linear_.largestDiagonal() + leastDamping;
+    skeleton.keep(kept_);
+    residual_ = tasks.residual;
+    computeStep();
+    apply();
+    ++iterations;
+    if (tasks.cost < before) {
+        double const ratio = (before - tasks.cost) / std::max(predicted(before), 1e-300);
+        damping_ = std::max(leastDamping, damping_ * std::max(1.0 / 3, 1 - std::pow(2 * ratio - 1, 3)));
+        growth_ = 2;
+        return true;
+    }
+    skeleton.restore(kept_);
+    evaluate();
+    damping_ *= growth_;
+    growth_ *= 2;
+    return false;
+}
+
+bool Descent::isSlow(double before) {
+    slow_ = tasks.cost < slowFall * before ? 0 : slow_ + 1;
+    return slow_ >= (tasks.cost > farCost ? 1 : 3);
+}
+
+bool Descent::isIdle(double before) {
+    idle_ = tasks.cost < idleFall * before ? 0 : idle_ + 1;
+    return idle_ >= mostIdle || damping_ > mostDamping;
+}
+
+bool Descent::run(int most, bool isEager) {
+    damping_ = 0;
+    growth_ = 2;
+    slow_ = idle_ = 0;
+    for (; !isDone() && most > 0; --most) {
         double const before = tasks.cost;
-        residual_ = tasks.residual;
-        kept_cost_ = before;
-        for (bool accepted = false; !accepted;) {
-            if (most-- <= 0) return false;
-            computeStep(damping);
-            apply();
-            ++iterations;
-            double const fell = before - tasks.cost;
-            double const ratio = fell / std::max(predicted(), 1e-300);
-            accepted = fell > 0;
-            if (accepted) {
-                damping *= std::max(1.0 / 3, 1 - std::pow(2 * ratio - 1, 3));
-                growth = 2;
-                idle = fell < 1e-3 * before ? idle + 1 : 0;
-                if (idle > 5) return isReached();
-            } else {
-                skeleton.restore(kept_);
-                evaluate();
-                damping *= growth;
-                growth *= 2;
-                linearise();
-                if (damping > 1e12) return false;
-            }
-        }
+        iterate(before);
+        if (isEager && !isReached() ? isSlow(before) : isIdle(before)) break;
     }
     return isReached();
 }

@@ -32,9 +32,11 @@ public:
     void setUp();        // after the parts are filled
     void enterLimits();  // all joints inside, and everything placed and evaluated
     void evaluate();
-    bool isReached() const;
-    // Until what is wanted is reached, nothing improves, or `most` iterations are taken. False: not reached.
-    bool run(int most);
+    bool isReached() const;  // but for what is soft
+    bool isDone() const;     // all
+    // Until what is wanted is reached, nothing improves, or `most` iterations are taken. False: not reached. An eager
+    // run also gives up where it comes on slowly: a descent that ends well falls fast.
+    bool run(int most, bool isEager);
 
 private:
     struct Held {
@@ -47,21 +49,25 @@ private:
     void measureLimits();
     bool hold(std::vector<double> const& step);
     bool hold(std::size_t block, Bound const& bound);
-    bool release(double damping);
+    bool release();
     void close(Held& held);
     void closeAll();
     void computePull();
-    void computeStep(double damping);
+    void computeStep();
     void apply();
-    double predicted();
+    double predicted(double before);
+    bool iterate(double before);
+    bool isSlow(double before);
+    bool isIdle(double before);
 
     LinearStep linear_;
-    Pose kept_, before_;
+    Pose kept_;
     std::vector<std::vector<Vec3>> closed_;  // of each block: orthonormal directions that are decided
     std::vector<LimitState> limits_;         // of each block
     std::vector<double> gradient_, pull_, fixed_, step_, change_, right_, model_, projected_, residual_, free_;
     std::vector<Held> held_;
-    double kept_cost_ = 0;
+    double damping_ = 0, growth_ = 2;
+    int slow_ = 0, idle_ = 0;
 };
 
 }  // namespace sg::ik

@@ -64,8 +64,7 @@ void Search::setUpHandles(IKSolver const& solver) {
         Mat3 const axes = j.orientation() * transposed(shown) * wanted;
         descent_.tasks.effectors.push_back(
             {h.joint, rowOfTarget(h.target), axes, h.positionWeight * pull(h), orientationWeight(h), isSoft(h)});
-        for (int i = h.joint; i >= 0 && !pulled_[std::size_t(i)]; i = skeleton.joints[std::size_t(i)].parent)
-            pulled_[std::size_t(i)] = 1;
+        for (int i = h.joint; i >= 0; i = skeleton.joints[std::size_t(i)].parent) ++pulled_[std::size_t(i)];
     }
 }
 
@@ -102,7 +101,7 @@ void Search::setUpPoles(IKSolver const& solver) {
             Vec3 const reference = rowOfTarget(settings.referencePole) - j.origin;
             // frame may be scaled: what rides with the joint is told in its own unscaled space
             descent_.tasks.poles.push_back(
-                {int(i), e.joint, rowOfTarget(settings.controlPole), solved(reference, j.frame), 1});
+                {int(i), e.joint, rowOfTarget(settings.controlPole), solved(reference, j.frame), 1, 1});
             break;
         }
     }
@@ -134,19 +133,135 @@ void Search::setUpPreference(IKSolver const& solver) {
 
 // ---- the search ----
 
+namespace {
+
+constexpr double relaxedCost = 0.05;                     // targets this far take the joints half way to their middle
+constexpr double missMetres = 0.03, missRadians = 0.05;  // an effector this far off sits in the wrong place
+constexpr double limbRange = 0.5, bodyRange = 0.8;       // of the room in the limits
+constexpr int limbsOnly = 3;  // attempts, before all of the body is stirred every second time
+constexpr int mostAttempts = 60;
+constexpr double bendRadians = 0.05, muchBetter = 0.9;
+
+// A number in [-1, 1). Steele, Lea and Flood, "Fast splittable pseudorandom number generators", OOPSLA (2014).
+double next(std::uint64_t& state) {
+    std::uint64_t z = state += 0x9e3779b97f4a7c15;
+    z = (z ^ z >> 30) * 0xbf58476d1ce4e5b9;
+    z = (z ^ z >> 27) * 0x94d049bb133111eb;
+    return double((z ^ z >> 31) >> 11) / 4503599627370496.0 - 1;
+}
+
+}  // namespace
+
+// A joint on its border hides from the model that it could turn the other way: a straight knee does not shorten the
+// leg. So the further the targets are, the further the joints go to the middle of their range first; close ones leave
+// them.
+void Search::relax() {
+    double const cost = descent_.tasks.cost, share = cost / (cost + relaxedCost);
+    for (Block const& b : descent_.tasks.blocks)
+        if (!b.isTranslation && descent_.borders.has(b.joint))
+            descent_.borders.centre(descent_.skeleton, b.joint, share);
+    descent_.evaluate();
+}
+
+bool Search::misses(Effector const& e) const {
+    Joint const& j = descent_.skeleton.joints[std::size_t(e.joint)];
+    return (e.positionWeight > 0 && length(j.origin - e.position) > missMetres) ||
+           (e.orientationWeight > 0 && length(logarithm(transposed(j.orientation()) * e.axes)) > missRadians);
+}
+
+void Search::stir(int joint, std::uint64_t& random, double range) {
+    Vec3 const at = Vec3{next(random), next(random), next(random)} * range;
+    if (descent_.borders.has(joint))
+        descent_.borders.goTo(descent_.skeleton, joint, at);
+    else
+        descent_.skeleton.turnBy(joint, at);
+}
+
+// In continuous mode the pose may not go elsewhere, but a straight limb whose target lies along it has no slope to
+// follow at all: what a small bend makes much better is taken.
+bool Search::bend(IKSolver const& solver) {
+    std::uint64_t random = 0;
+    double const before = descent_.tasks.cost;
+    descent_.skeleton.keep(first_);
+    for (Block const& b : descent_.tasks.blocks) {
+        if (b.isTranslation) continue;
+        descent_.skeleton.turnBy(b.joint, Vec3{next(random), next(random), next(random)} * bendRadians);
+        if (descent_.borders.has(b.joint)) descent_.borders.clamp(descent_.skeleton, b.joint);
+    }
+    descent_.evaluate();
+    bool const reached = descent_.run(solver.maxIterations - descent_.iterations, false);
+    if (!reached && descent_.tasks.cost > muchBetter * before) comeBackTo(first_);
+    return reached;
+}
+
+// The limbs whose effectors are far off: up to the joint that others hang on too.
+void Search::stirMissing(std::uint64_t& random) {
+    for (Effector const& e : descent_.tasks.effectors) {
+        if (e.isSoft || !misses(e)) continue;
+        int const alone = pulled_[std::size_t(e.joint)];
+        for (int i = e.joint; i >= 0 && pulled_[std::size_t(i)] == alone;
+             i = descent_.skeleton.joints[std::size_t(i)].parent)
+            stir(i, random, limbRange);
+    }
+}
+
+void Search::stirAll(std::uint64_t& random) {
+    for (Block const& b : descent_.tasks.blocks)
+        if (!b.isTranslation) stir(b.joint, random, bodyRange);
+}
+
+void Search::comeBackTo(Pose const& pose) {
+    descent_.skeleton.restore(pose);
+    descent_.evaluate();
+}
+
+// What is soft may have kept the others from their targets: now it is left aside, and loses no more than it must.
+bool Search::giveWay(int most, bool isEager) {
+    if (!descent_.tasks.isAnySoft()) return false;
+    descent_.tasks.setSoftness(0);
+    descent_.evaluate();
+    return descent_.run(most - descent_.iterations, isEager);
+}
+
+// From poses near the best one found. What is not reached in the end goes on from where the first attempt stopped, so
+// that a target out of reach gives the pose that it would give without all this.
+bool Search::searchElsewhere(IKSolver& solver) {
+    std::uint64_t random = 0;
+    double least = descent_.tasks.cost;
+    descent_.skeleton.keep(first_);
+    best_ = first_;
+    auto const left = [&] { return solver.maxIterations - descent_.iterations; };
+    while (solver.attempts < mostAttempts && left() > solver.maxIterations / 4) {
+        bool const all = solver.attempts++ >= limbsOnly && solver.attempts % 2 == 0;
+        all ? stirAll(random) : stirMissing(random);
+        descent_.evaluate();
+        if (descent_.run(left(), true)) return true;
+        if (descent_.tasks.cost < least) {
+            least = descent_.tasks.cost;
+            descent_.skeleton.keep(best_);
+        }
+        comeBackTo(best_);
+    }
+    comeBackTo(first_);
+    return descent_.run(left(), false);
+}
+
 void Search::run(IKSolver& solver) {
     setUpJoints(solver);
     setUpHandles(solver);
     setUpBlocks(solver);
     setUpPoles(solver);
     setUpPreference(solver);
-    if (solver.previous.size() >= solver.geometry.size()) descent_.skeleton.setPose(solver.previous);
+    bool const goesOn = solver.previous.size() >= solver.geometry.size();
+    if (goesOn) descent_.skeleton.setPose(solver.previous);
     descent_.accuracy = {solver.positionAccuracy, solver.orientationAccuracy};
     descent_.tasks.setUp(descent_.skeleton, size_);
     descent_.setUp();
     descent_.enterLimits();
-    solver.isReached = descent_.run(solver.maxIterations);
+    if (solver.maxIterations > 0 && !descent_.isReached()) relax();
     solver.attempts = 1;
+    solver.isReached = descent_.run(solver.maxIterations, !goesOn) || giveWay(solver.maxIterations, !goesOn);
+    if (!solver.isReached) solver.isReached = goesOn ? bend(solver) : searchElsewhere(solver);
     solver.iterations = descent_.iterations;
     solver.positionError = descent_.tasks.positionError;
     solver.orientationError = descent_.tasks.orientationError;

@@ -17,13 +17,23 @@ private:
     void setUpHandles(IKSolver const& solver);
     void setUpPoles(IKSolver const& solver);
     void setUpPreference(IKSolver const& solver);
+    void relax();
+    bool giveWay(int most, bool isEager);
+    bool searchElsewhere(IKSolver& solver);
+    bool misses(Effector const& e) const;
+    void stir(int joint, std::uint64_t& random, double range);
+    void stirMissing(std::uint64_t& random);
+    void stirAll(std::uint64_t& random);
+    bool bend(IKSolver const& solver);
+    void comeBackTo(Pose const& pose);
     void findDepths();
     Vec3 readiness(IKSolver const& solver, int joint) const;
 
     Descent descent_;
     std::vector<JointLimit const*> limits_;
     std::vector<int> depths_;
-    std::vector<char> pulled_;  // joints with a handle below that pulls
+    std::vector<int> pulled_;  // how many handles that pull are below a joint or on it
+    Pose first_, best_;
     int deepest_ = 0;
     double size_ = 1;
 };

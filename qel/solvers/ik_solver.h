@@ -80,7 +80,7 @@ struct IKSolver {
     bool lockRoot[3] = {false, false, false};
     bool disableAllLimits = false;
 
-    int maxIterations = 100;            // 0 only brings the joints inside their limits
+    int maxIterations = 200;            // 0 only brings the joints inside their limits
     double positionAccuracy = 1e-4;     // metres, 0 or more
     double orientationAccuracy = 1e-3;  // radians, 0 or more
     // How readily joints turn, from the top root, t = 0, to the deepest, t = 1: as

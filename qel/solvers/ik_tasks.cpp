@@ -39,6 +39,7 @@ void Tasks::setUp(Skeleton const& skeleton, double size) {
     residual.clear();
     for (Effector const& e : effectors) addTask(skeleton, e.joint, rowsOf(e));
     for (Pole const& p : poles) addTask(skeleton, p.effector, 1);
+    for (Pole& p : poles) weighPole(skeleton, p);
     collectEntries();
 }
 
@@ -75,10 +76,15 @@ void Tasks::collectEntries() {
 
 void Tasks::setSoftness(double weight) { softness_ = weight; }
 
+bool Tasks::isAnySoft() const {
+    return !poles.empty() ||
+           std::any_of(effectors.begin(), effectors.end(), [](Effector const& e) { return e.isSoft; });
+}
+
 // ---- residuals ----
 
 void Tasks::evaluate(Skeleton const& skeleton) {
-    positionError = orientationError = poleError = largestSoft = 0;
+    positionError = orientationError = softPositionError = softOrientationError = poleError = 0;
     for (std::size_t i = 0; i < effectors.size(); ++i)
         evaluateEffector(skeleton, effectors[i], residual.data() + tasks_[i].firstRow);
     for (std::size_t i = 0; i < poles.size(); ++i) {
@@ -96,13 +102,15 @@ void Tasks::evaluateEffector(Skeleton const& skeleton, Effector const& e, double
         Vec3 const away = j.origin - e.position;
         double const w = softened(e.positionWeight, e.isSoft) / size_;
         for (int k = 0; k < 3; ++k) *rows++ = w * away[k];
-        (e.isSoft ? largestSoft : positionError) = std::max(e.isSoft ? largestSoft : positionError, length(away));
+        double& largest = e.isSoft ? softPositionError : positionError;
+        largest = std::max(largest, length(away));
     }
     if (e.orientationWeight > 0) {
         Vec3 const left = logarithm(transposed(j.orientation()) * e.axes);
         double const w = softened(e.orientationWeight, e.isSoft);
         for (int k = 0; k < 3; ++k) *rows++ = -w * left[k];
-        (e.isSoft ? largestSoft : orientationError) = std::max(e.isSoft ? largestSoft : orientationError, length(left));
+        double& largest = e.isSoft ? softOrientationError : orientationError;
+        largest = std::max(largest, length(left));
     }
 }
 
@@ -142,18 +150,19 @@ namespace {
 // The angle from the plane of the reference to that of the control about the limb's axis, and its derivatives by the
 // limb's ends and the reference. It is the torsion angle of the four points: Blondel and Karplus, "New formulation for
 // derivatives of torsion angles and improper torsion angles in molecular mechanics", Journal of Computational Chemistry
-// 17 (1996). Where a pole comes close to the axis the angle says nothing: it fades out by `certainty`.
+// 17 (1996).
 struct Torsion {
-    double angle = 0, certainty = 0;
+    double angle = 0;
+    double sharpness = 0;  // the product of the squared sines of reference and control against the axis; 0: no angle
     Vec3 byReference, byStart, byEnd;
 
-    Torsion(Vec3 const& reference, Vec3 const& start, Vec3 const& end, Vec3 const& control) {
-        Vec3 const f = reference - start, g = start - end, h = control - end;
+    Torsion(Pole const& p, Joint const& from, Joint const& to) {
+        Vec3 const f = p.reference * from.frame, g = from.origin - to.origin, h = p.control - to.origin;
         Vec3 const a = cross(f, g), b = cross(h, g);
         double const aa = dot(a, a), bb = dot(b, b), gg = length(g);
         double const span = dot(f, f) * dot(g, g), reach = dot(h, h) * dot(g, g);
         if (!(aa > 1e-8 * span && bb > 1e-8 * reach)) return;
-        certainty = aa / (aa + 1e-3 * span) * (bb / (bb + 1e-3 * reach));
+        sharpness = aa / span * (bb / reach);
         angle = std::atan2(dot(cross(b, a), g) / gg, dot(a, b));
         Vec3 const fromA = a * (dot(f, g) / (aa * gg)), fromB = b * (dot(h, g) / (bb * gg));
         byReference = a * (-gg / aa);
@@ -162,18 +171,22 @@ struct Torsion {
     }
 };
 
+Joint const& jointOf(Skeleton const& skeleton, int joint) { return skeleton.joints[std::size_t(joint)]; }
+
 }  // namespace
 
+void Tasks::weighPole(Skeleton const& skeleton, Pole& p) {
+    double const sharpness = Torsion(p, jointOf(skeleton, p.joint), jointOf(skeleton, p.effector)).sharpness;
+    p.certainty = sharpness / (sharpness + 1e-3);
+}
+
 double Tasks::evaluatePole(Skeleton const& skeleton, Pole const& p) {
-    Joint const &from = skeleton.joints[std::size_t(p.joint)], &to = skeleton.joints[std::size_t(p.effector)];
-    Torsion const t(p.reference * from.frame + from.origin, from.origin, to.origin, p.control);
-    return t.angle * t.certainty;
+    return Torsion(p, jointOf(skeleton, p.joint), jointOf(skeleton, p.effector)).angle * p.certainty;
 }
 
 void Tasks::linearisePole(Skeleton const& skeleton, Pole const& p, Task const& task) {
-    Joint const &from = skeleton.joints[std::size_t(p.joint)], &to = skeleton.joints[std::size_t(p.effector)];
-    Torsion const t(p.reference * from.frame + from.origin, from.origin, to.origin, p.control);
-    double const w = softened(p.weight, true) * t.certainty;
+    Torsion const t(p, jointOf(skeleton, p.joint), jointOf(skeleton, p.effector));
+    double const w = softened(p.weight, true) * p.certainty;
     Carried end{}, start{}, reference{};
     bool isAbove = false;
     int step = task.path;

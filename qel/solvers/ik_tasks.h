@@ -25,6 +25,8 @@ struct Pole {
     Vec3 control;         // world
     Vec3 reference;       // in the joint's space, unscaled: it rides with the joint
     double weight;
+    double
+        certainty;  // filled by Tasks: less than 1 where a pole begins close to the line, where its angle says little
 };
 
 struct Block {
@@ -53,12 +55,13 @@ public:
     double cost = 0;                      // half the squared length of the residual
     double positionError = 0;             // the largest of an effector that is not soft, metres
     double orientationError = 0;          // radians
-    double poleError = 0;                 // radians
-    double largestSoft = 0;
+    double softPositionError = 0, softOrientationError = 0;
+    double poleError = 0;  // radians
 
     // After effectors, poles and blocks are filled. `size` is the length that counts as much as a radian.
     void setUp(Skeleton const& skeleton, double size);
     void setSoftness(double weight);  // 1: what is soft pulls by its own weight, 0: not at all
+    bool isAnySoft() const;
     void evaluate(Skeleton const& skeleton);
     void linearise(Skeleton const& skeleton);
     int rowCount() const { return int(residual.size()); }
@@ -73,6 +76,7 @@ private:
         int block;
         std::size_t at;
     };
+    void weighPole(Skeleton const& skeleton, Pole& pole);
     void addTask(Skeleton const& skeleton, int joint, int rows);
     void collectEntries();
     void lineariseEffector(Skeleton const& skeleton, Effector const& e, Task const& task);
