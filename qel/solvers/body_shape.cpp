@@ -70,6 +70,7 @@ bool areAlike(Shape const& shape, Way const& a, Way const& b) {
 std::vector<Pair> findPairs(Shape const& shape) {
     std::vector<Pair> pairs;
     for (int joint = 0; joint < int(shape.skeleton.size()); ++joint) {
+        if (shape.children[std::size_t(joint)].size() < 2) continue;
         std::vector<Way> ways;
         for (int child : shape.children[std::size_t(joint)])
             if (ways.size() < 64) ways.push_back(shape.wayInto(child));

@@ -68,7 +68,7 @@ bool Retarget::Run() {
     readSource();
     readCarriers();
     std::size_t const count = rig->targets.size();
-    for (auto* v : {&local_, &world_, &made_, &rest_}) v->resize(count);
+    for (auto* v : {&local_, &world_, &made_, &lack_}) v->resize(count);
     isPlain_.resize(count);
     limited_.assign(count, 0);
     limitHits = 0;
@@ -117,39 +117,49 @@ Quaternion Retarget::turnOf(RetargetRig::TargetJoint const& t) const {
 // A joint whose turn is the one asked for is plain; the others keep what is missing for those that refer to them.
 void Retarget::rotate(std::size_t i) {
     RetargetRig::TargetJoint const& t = rig->targets[i];
-    auto const parent = std::size_t(std::max(t.parent, 0)), referent = std::size_t(std::max(t.referent, 0));
-    Quaternion const above = t.parent < 0 ? Quaternion() : world_[parent];
+    Quaternion const above = t.parent < 0 ? Quaternion() : world_[std::size_t(t.parent)];
     Quaternion const asked = t.source < 0 ? Quaternion() : turnOf(t);
-    bool const isReferentPlain = t.referent < 0 || isPlain_[referent];
-    isPlain_[i] = isReferentPlain && t.isDriven;
-    if (t.isDriven) {
-        Quaternion goal = isReferentPlain ? asked : multiply(asked, rest_[referent]);
-        if (t.rotationWeight < 1) {
-            Quaternion const kept = multiply(t.inverseRest, multiply(t.local, above));
-            goal = slerp(kept, goal, t.rotationWeight);
-            isPlain_[i] = false;
-        }
-        world_[i] = multiply(t.rest, goal);
-        local_[i] = t.parent < 0 ? world_[i] : multiply(world_[i], conjugate(above));
-        made_[i] = goal;
-    } else {
-        local_[i] = t.local;
-        world_[i] = multiply(local_[i], above);
-        made_[i] = multiply(t.inverseRest, world_[i]);
-    }
-    bool changed = t.isDriven && t.hasOffset;
-    if (changed) local_[i] = multiply(t.offset, local_[i]);
-    if (t.isDriven && t.limit && !disableLimits) {
-        Quaternion const limited = clampJointRotation(*t.limit, local_[i]);
-        limited_[i] = !areSame(limited, local_[i]);
-        if (limited_[i]) local_[i] = limited, changed = true, ++limitHits;
-    }
-    if (changed) {
+    isPlain_[i] = t.isDriven;
+    if (t.isDriven)
+        follow(i, asked, above);
+    else
+        setLocal(i, t.local, above);
+    if (t.isDriven && t.hasOffset) setLocal(i, multiply(t.offset, local_[i]), above);
+    if (t.isDriven && t.limit && !disableLimits) limit(i, above);
+    if (!isPlain_[i]) lack_[i] = t.source < 0 ? Quaternion() : multiply(conjugate(asked), made_[i]);
+}
+
+void Retarget::follow(std::size_t i, Quaternion const& asked, Quaternion const& above) {
+    RetargetRig::TargetJoint const& t = rig->targets[i];
+    Quaternion goal = asked;
+    if (t.referent >= 0 && !isPlain_[std::size_t(t.referent)]) {
+        goal = multiply(asked, lack_[std::size_t(t.referent)]);
         isPlain_[i] = false;
-        world_[i] = multiply(local_[i], above);
-        made_[i] = multiply(t.inverseRest, world_[i]);
     }
-    if (!isPlain_[i]) rest_[i] = t.source < 0 ? Quaternion() : multiply(conjugate(asked), made_[i]);
+    if (t.rotationWeight < 1) {
+        Quaternion const kept = multiply(t.inverseRest, multiply(t.local, above));
+        goal = slerp(kept, goal, t.rotationWeight);
+        isPlain_[i] = false;
+    }
+    made_[i] = goal;
+    world_[i] = multiply(t.rest, goal);
+    local_[i] = multiply(world_[i], conjugate(above));
+}
+
+// Not as the source has it.
+void Retarget::setLocal(std::size_t i, Quaternion const& local, Quaternion const& above) {
+    isPlain_[i] = false;
+    local_[i] = local;
+    world_[i] = multiply(local, above);
+    made_[i] = multiply(rig->targets[i].inverseRest, world_[i]);
+}
+
+void Retarget::limit(std::size_t i, Quaternion const& above) {
+    Quaternion const limited = clampJointRotation(*rig->targets[i].limit, local_[i]);
+    if (areSame(limited, local_[i])) return;
+    limited_[i] = 1;
+    ++limitHits;
+    setLocal(i, limited, above);
 }
 
 // ---- matrices ----

@@ -21,20 +21,23 @@ struct Retarget {
 
     bool Validate() const;  // as many matrices as joints, on both sides
     bool Run();             // false, and nothing written, if it is not valid
-    bool isLimited(int joint) const { return limited_[std::size_t(joint)] != 0; }  // of the last frame
+    bool isLimited(int joint) const { return limited_[std::size_t(joint)] != 0; }  // of the last frame; `joint` exists
 
 private:
     void readSource();
     void readCarriers();
     Quaternion turnOf(RetargetRig::TargetJoint const& t) const;
     void rotate(std::size_t i);
+    void follow(std::size_t i, Quaternion const& asked, Quaternion const& above);
+    void setLocal(std::size_t i, Quaternion const& local, Quaternion const& above);
+    void limit(std::size_t i, Quaternion const& above);
     Qelp::Matrix34 matrixOf(std::size_t i) const;
     void translate(std::size_t i, Qelp::Matrix34& m) const;
     void stretch(RetargetRig::TargetJoint const& t, Qelp::Matrix34& m) const;
 
     // Of source joints: local rotation; world orientation; the turn since rest. Of target joints: local rotation, world
     // orientation, the turn made, and what it lacks of the turn that was asked for.
-    std::vector<Quaternion> sourceLocal_, sourceWorld_, asked_, local_, world_, made_, rest_;
+    std::vector<Quaternion> sourceLocal_, sourceWorld_, asked_, local_, world_, made_, lack_;
     std::vector<unsigned char> isPlain_, limited_, isStretched_;
     std::vector<Qelp::Matrix34> usable_, carriers_;
 };

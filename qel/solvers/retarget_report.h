@@ -49,7 +49,7 @@ struct RetargetReport {
     int limitHits = 0;  // joints held back, summed over the frames
     // Of the source's size, which is the greatest extent of a frame: how near to its lowest, and how slow a second, a
     // foot is down.
-    double contactHeight = 0.04, contactSpeed = 0.2;
+    double contactHeight = 0.04, contactSpeed = 0.12;
     double shortestContact = 0.1;  // seconds
 
     // ---- found ----

@@ -116,16 +116,16 @@ Quaternion alignmentOf(Frame const& source, Frame const& target) {
 // How a rest pose stands on the floor, which is the world's zero.
 struct Stand {
     double low = 1e300, high = -1e300;
-    bool hangs = false;  // below it, from a root that is at about zero
 
-    Stand(std::vector<Vec3> const& at, Vec3 const& up, Vec3 const& root) {
+    Stand(std::vector<Vec3> const& at, Vec3 const& up) {
         for (Vec3 const& p : at) low = std::min(low, dot(p, up)), high = std::max(high, dot(p, up));
-        hangs = low < -0.25 * height() && std::abs(dot(root, up)) < 0.15 * height();
     }
     double height() const { return high - low; }
+    bool sinks() const { return low < -0.05 * height(); }
     // Of the lowest joint, for soles have no joints; 0 where that cannot be known.
-    double clearance() const { return hangs || low > 0.1 * height() ? 0 : std::max(low, 0.0); }
-    double lift(double clearanceOfTheOther) const { return hangs ? clearanceOfTheOther - low : 0; }
+    double clearance() const { return sinks() || low > 0.1 * height() ? 0 : std::max(low, 0.0); }
+    double lift(double clearanceOfTheOther) const { return sinks() ? clearanceOfTheOther - low : 0; }
+    bool sharesFloor(Stand const& o) const { return std::abs(low - o.low) < 0.02 * std::max(height(), o.height()); }
 };
 
 double ratio(double target, double source) { return source > 1e-9 && target > 1e-9 ? target / source : 0; }
@@ -337,12 +337,13 @@ private:
     }
     void standOnFloor() {
         Vec3 const up = targetFrame_.up;
+        Stand const from(sourceAt_, sourceFrame_.up), to(targetAt_, targetFrame_.up);
+        bool const lifts = !from.sharesFloor(to);
         for (T& t : rig_.targets) {
             if (!t.travels) continue;
-            Stand const from(sourceAt_, sourceFrame_.up, sourceAt_[std::size_t(t.source)]);
-            Stand const to(targetAt_, targetFrame_.up, t.to);
-            t.from += up * from.lift(to.clearance() / rig_.scale);
-            t.to += up * (to.lift(from.clearance() * rig_.scale) + feetOff());
+            if (lifts) t.from += up * from.lift(to.clearance() / rig_.scale);
+            if (lifts) t.to += up * to.lift(from.clearance() * rig_.scale);
+            t.to += up * feetOff();
         }
     }
     // By how much the feet of the target, in the pose of the source's origin, stand below where they do in its own.
@@ -376,15 +377,16 @@ private:
 
 bool isInside(int i, Skeleton const& s) { return i >= 0 && i < int(s.size()); }
 
-bool isSound(RetargetJoint const& o) {
+bool isSound(RetargetJoint const& o, Skeleton const& s) {
     for (double v : {o.translationWeight, o.rotationWeight, o.scale, o.offset.x, o.offset.y, o.offset.z})
         if (!(std::abs(v) < 1e15)) return false;
-    return isUsable(o.axes);
+    return isUsable(o.axes) && o.referent >= RetargetJoint::itself && o.referent < int(s.size());
 }
 
-bool areUsable(std::span<RetargetJoint const> options, Skeleton const& s) {
+bool areSound(std::span<RetargetJoint const> options, Skeleton const& s) {
     if (options.empty()) return true;
-    return options.size() == s.size() && std::all_of(options.begin(), options.end(), isSound);
+    return options.size() == s.size() &&
+           std::all_of(options.begin(), options.end(), [&](RetargetJoint const& o) { return isSound(o, s); });
 }
 
 }  // namespace
@@ -397,7 +399,7 @@ bool RetargetRig::Validate() const {
         if (m.blendSource >= 0 && !(isInside(m.blendSource, *source) && m.blend >= 0 && m.blend <= 1)) return false;
         taken[std::size_t(m.target)] = true;
     }
-    return areUsable(sourceOptions, *source) && areUsable(targetOptions, *target);
+    return areSound(sourceOptions, *source) && areSound(targetOptions, *target);
 }
 
 bool RetargetRig::Run() {

@@ -16,11 +16,11 @@
 // - Free: every bone with a matched joint at its end points where its counterpart points, whatever its origin.
 //
 // Travel. The matched joints that have no matched joint above them travel: their way from the origin is scaled by the
-// ratio of the legs (thigh and shin, both sides), else of the heights at rest, else of the bones. An origin that hangs
-// below the world's zero from a root that stands about there is a pose without a floor, as motion files have it: for
-// the travel it counts as lifted until it stands on the floor. Where rest poses are corrected, the height at which the
-// target's feet stand in its own origin is kept. All other joints keep their translation, and what the
-// source adds to its own they add in proportion to their bones.
+// ratio of the legs (thigh and shin, both sides), else of the heights at rest, else of the bones. Motion files have
+// origins without a floor, which hang below the world's zero: unless both skeletons stand on one floor, such an origin
+// counts for the travel as lifted until it stands at zero. Where rest poses are corrected, the height at which the
+// target's feet stand in its own origin is kept. All other joints keep their translation, and what the source adds to
+// its own they add in proportion to their bones.
 #pragma once
 #include "qel/solvers/joint_limit.h"
 #include "qel/solvers/skeleton_match.h"
@@ -58,7 +58,7 @@ struct RetargetRig {
     std::span<RetargetJoint const> targetOptions;
 
     // Skeletons are valid, matches name joints that exist, options are as many as joints or none, their numbers finite
-    // and below 1e15.
+    // and below 1e15, their referents joints of that skeleton or one of the two constants.
     bool Validate() const;
     // False, and nothing changed, if it is not valid.
     bool Run();

@@ -90,8 +90,7 @@ struct Body {
 class Matcher {
 public:
     Matcher(SkeletonMatch const& job) :
-        job_(job), source_(*job.source, job.usesNames), target_(*job.target, job.usesNames),
-        matchOf_(target_.skeleton.size(), -1) {}
+        job_(job), source_(*job.source, job.usesNames), target_(*job.target, job.usesNames) {}
 
     void run() {
         for (auto [s, t] : job_.given) add(s, t, sure, MatchBasis::Given);
@@ -124,10 +123,7 @@ private:
         target_.fellow[std::size_t(t)] = s;
         return push({s, t, confidence, basis, target_.labels[std::size_t(t)]});
     }
-    JointMatch& push(JointMatch const& match) {
-        matchOf_[std::size_t(match.target)] = int(found_.size());
-        return found_.emplace_back(match);
-    }
+    JointMatch& push(JointMatch const& match) { return found_.emplace_back(match); }
 
     // ---- parts of the body ----
 
@@ -238,6 +234,7 @@ private:
                               source_.at[std::size_t(s)], target_.at[std::size_t(t)]);
         }
     }
+    static constexpr std::size_t mostCandidates = 1'000'000;  // no body has a thousand limbs in one place
     struct Candidate {
         double cost;
         int source, target;
@@ -246,6 +243,7 @@ private:
         }
     };
     void matchSiblings(std::vector<int> const& s, std::vector<int> const& t, Vec3 const& fromS, Vec3 const& fromT) {
+        if (s.size() * t.size() > mostCandidates) return;
         std::vector<Candidate> candidates;
         for (int a : s)
             for (int b : t)
@@ -280,7 +278,6 @@ private:
     }
     SkeletonMatch const& job_;
     Body source_, target_;
-    std::vector<int> matchOf_;
     std::vector<JointMatch> found_;
 };
 

@@ -529,6 +529,8 @@ TEST(Retarget, EveryInvalidRigIsRefusedAndNothingChanges) {
     expectRefused([](auto&, auto&, auto& o) { o.pop_back(); }, "an option is missing");
     expectRefused([](auto&, auto&, auto& o) { o[0].scale = std::nan(""); }, "a scale that is no number");
     expectRefused([](auto&, auto&, auto& o) { o[0].offset.x = 1e300; }, "an offset beyond reason");
+    expectRefused([](auto&, auto&, auto& o) { o[0].referent = 999; }, "a referent that is no joint");
+    expectRefused([](auto&, auto&, auto& o) { o[0].referent = -3; }, "a referent that means nothing");
     expectRefused([](auto&, auto&, auto& o) { o[0].axes.m[0][0] = infinity; }, "axes that are not finite");
 }
 

@@ -228,6 +228,46 @@ TEST(SkeletonMatch, DistrustsNamesThatContradictTheShape) {
     }
 }
 
+TEST(SkeletonMatch, NamesNeedNotBeUsed) {
+    Skeleton const s = humanoid(small());
+    SkeletonMatch match;
+    match.source = match.target = &s, match.usesNames = false;
+    ASSERT_TRUE(match.Run());
+    EXPECT_EQ(shareOfCoreFound(match, s), 1);
+    for (JointMatch const& m : match.matches) EXPECT_NE(int(m.basis), int(MatchBasis::Name));
+}
+
+TEST(SkeletonMatch, AThighThatIsSplitOnOneSideFollowsTheWholeTurn) {
+    Skeleton const whole = humanoid();
+    Skeleton split = whole;  // the knee hangs on a second part of the thigh
+    int const thigh = jointNamed(whole, L"LeftUpLeg");
+    split.names.insert(split.names.begin() + thigh + 1, L"LeftUpLeg2");
+    split.parents.insert(split.parents.begin() + thigh + 1, thigh);
+    split.origins.insert(split.origins.begin() + thigh + 1, whole.origins[std::size_t(thigh) + 1]);
+    for (std::size_t i = std::size_t(thigh) + 2; i < split.size(); ++i)
+        if (split.parents[i] >= thigh) ++split.parents[i];
+    for (int i : {thigh + 1, thigh + 2}) split.origins[std::size_t(i)].m[3][1] *= 0.5F;
+    SkeletonMatch const match = matched(split, whole);
+    ASSERT_TRUE(match.matchOf(thigh));
+    EXPECT_EQ(match.matchOf(thigh)->source, thigh + 1);
+    EXPECT_EQ(match.matchOf(thigh)->boneStart(), thigh);
+    EXPECT_EQ(sourceOf(match, L"LeftLeg"), L"LeftLeg");
+    SkeletonMatch const back = matched(whole, split);
+    EXPECT_EQ(sourceOf(back, L"LeftUpLeg"), L"LeftUpLeg");
+    EXPECT_EQ(back.confidence(thigh + 1), 0) << "the second part goes along";
+}
+
+TEST(SkeletonMatch, ADeepSkeletonTakesNoTimeAndNoStack) {
+    Skeleton chain;
+    for (int i = 0; i < 20'000; ++i) chain.parents.push_back(i - 1);
+    chain.names.resize(chain.size(), L"link"), chain.origins.resize(chain.size());
+    EXPECT_EQ(matched(chain, chain).matches.size(), chain.size());
+    Skeleton star;
+    for (int i = 0; i < 5000; ++i) star.parents.push_back(i ? 0 : -1);
+    star.names.resize(star.size(), L"ray"), star.origins.resize(star.size());
+    EXPECT_GE(matched(star, star).matches.size(), 1u);
+}
+
 TEST(SkeletonMatch, LeftStaysLeftByTheNamesEvenIfTheFeetPointBackwards) {
     HumanoidOptions o;
     Skeleton const source = humanoid(o);
