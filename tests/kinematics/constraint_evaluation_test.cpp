@@ -217,6 +217,15 @@ TEST_F(Snapping, ABoneAlongAnAxisChangesNothing) {
     EXPECT_EQ(limit.MovingOffsetX().Float(), before.X()) << "not even in its last digit";
 }
 
+TEST_F(Snapping, AnAngleBelowTheGraphsToleranceIsNone) {
+    end.SetTranslation(0.5F * sg::g_floatTolerance, 1, 0);
+    limit.SnapOffsetClosestAxis(true);
+    EXPECT_EQ(limit.MovingOffsetZ().Float(), 0);
+    end.SetTranslation(20 * sg::g_floatTolerance, 1, 0);
+    limit.SnapOffsetClosestAxis(true);
+    EXPECT_NEAR(limit.MovingOffsetZ().Float(), -20 * sg::g_floatTolerance, 1e-6F);
+}
+
 TEST_F(Snapping, TheFixedFrameIsTurnedAlongWhenAsked) {
     end.SetTranslation(3, 1, 0);
     XMatrix const before = world(limit);

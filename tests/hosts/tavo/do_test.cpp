@@ -40,29 +40,30 @@ protected:
 
 TEST_F(Do, RunsTheCommandsInTheirOrderAndTellsStepsAndResults) {
     EXPECT_EQ(result("do walk.tavo -o out.tavo CreateJoint TranslationX=0.5 -- CreateJoint -- SelectAll -- SetKey"),
-              "CreateJoint: 1 step\n  Scene|joint  (Joint)\n"
-              "CreateJoint: 1 step\n  Scene|joint|joint  (Joint)\n"
+              "CreateJoint: 1 step\n  Scene|character|kinematics|joint  (Joint)\n"
+              "CreateJoint: 1 step\n  Scene|character|kinematics|joint|joint  (Joint)\n"
               "SelectAll: 1 step\nSetKey: 1 step\nwrote out.tavo\n");
-    EXPECT_TRUE(holds("out.tavo", "joint\n    joint\n"));
-    EXPECT_EQ(value("out.tavo", "Scene|joint", "TranslationX"), "0.5");
+    EXPECT_TRUE(holds("out.tavo",
+                      "character  (Character)\n    kinematics  (KinematicsCharacter)\n      joint\n        joint\n"));
+    EXPECT_EQ(value("out.tavo", "Scene|character|kinematics|joint", "TranslationX"), "0.5");
 }
 
 TEST_F(Do, AValueIsForOneRunOfItsCommand) {
     result("do walk.tavo -o out.tavo CreateJoint TranslationX=0.5 TranslationY=1 -- CreateJoint");
-    EXPECT_EQ(value("out.tavo", "Scene|joint|joint", "TranslationX"), "0.2");
-    EXPECT_EQ(value("out.tavo", "Scene|joint|joint", "TranslationY"), "0");
+    EXPECT_EQ(value("out.tavo", "Scene|character|kinematics|joint|joint", "TranslationX"), "0.2");
+    EXPECT_EQ(value("out.tavo", "Scene|character|kinematics|joint|joint", "TranslationY"), "0");
 }
 
 TEST_F(Do, TheLaterOfTwoValuesOfAParameterCounts) {
     result("do walk.tavo -o out.tavo CreateJoint TranslationX=0.5 TranslationX=0.7 -- CreateJoint");
-    EXPECT_EQ(value("out.tavo", "Scene|joint", "TranslationX"), "0.7");
-    EXPECT_EQ(value("out.tavo", "Scene|joint|joint", "TranslationX"), "0.2");
+    EXPECT_EQ(value("out.tavo", "Scene|character|kinematics|joint", "TranslationX"), "0.7");
+    EXPECT_EQ(value("out.tavo", "Scene|character|kinematics|joint|joint", "TranslationX"), "0.2");
 }
 
 TEST_F(Do, ValuesAreOfEveryKind) {
     result("do walk.tavo -o out.tavo CreateJoint Colour=1,0,0.5,1 BoneStyle=solid Visible=FALSE Colour.Green=0.25");
     std::string const table = result("sample out.tavo --objects joint --attribute Colour --to 0");
-    EXPECT_TRUE(has(table, "Scene|joint,1,0.25,0.5,1\n")) << table;
+    EXPECT_TRUE(has(table, "Scene|character|kinematics|joint,1,0.25,0.5,1\n")) << table;
     EXPECT_EQ(value("out.tavo", "joint", "BoneStyle"), "1");
     EXPECT_EQ(value("out.tavo", "joint", "Visible"), "0");
     result("do walk.tavo -o out.tavo SelectAll -- CreateShape RadialSegments=5");
@@ -117,10 +118,11 @@ TEST_F(Do, GroupsWhatIsSelected) {
 // ---- history and time ----
 
 TEST_F(Do, UndoAndRedoMoveInTheHistoryOfTheList) {
-    EXPECT_EQ(result("do walk.tavo CreateJoint -- Undo -- Undo -- Redo -- Redo -o out.tavo"),
-              "CreateJoint: 1 step\n  Scene|joint  (Joint)\nUndo: 1 step taken back\nUndo: no step\n"
-              "Redo: 1 step\nRedo: no step\nwrote out.tavo\n");
-    EXPECT_TRUE(holds("out.tavo", "joint"));
+    EXPECT_EQ(
+        result("do walk.tavo CreateJoint -- Undo -- Undo -- Redo -- Redo -o out.tavo"),
+        "CreateJoint: 1 step\n  Scene|character|kinematics|joint  (Joint)\nUndo: 1 step taken back\nUndo: no step\n"
+        "Redo: 1 step\nRedo: no step\nwrote out.tavo\n");
+    EXPECT_TRUE(holds("out.tavo", "    joint"));
 }
 
 TEST_F(Do, ReadingAndSelectingAreNoSteps) {
@@ -144,25 +146,28 @@ TEST_F(Do, KeysAtTheTimeThatTheListWentTo) {
 
 TEST_F(Do, PlaybackIsStoppedAtTheEndOfTheList) {
     EXPECT_EQ(result("do walk.tavo Play -- CreateJoint -o out.tavo"),
-              "Play: no step\nCreateJoint: no step\n  Scene|joint  (Joint)\nwrote out.tavo\n");
-    EXPECT_TRUE(holds("out.tavo", "joint"));
+              "Play: no step\nCreateJoint: no step\n  Scene|character|kinematics|joint  (Joint)\nwrote out.tavo\n");
+    EXPECT_TRUE(holds("out.tavo", "    joint"));
     EXPECT_EQ(result("do walk.tavo Play -- CreateJoint -- Stop -- Undo"),
-              "Play: no step\nCreateJoint: no step\n  Scene|joint  (Joint)\nStop: 1 step\nUndo: 1 step taken back\n");
+              "Play: no step\nCreateJoint: no step\n  Scene|character|kinematics|joint  (Joint)\nStop: 1 step\nUndo: 1 "
+              "step taken back\n");
 }
 
 // ---- the report ----
 
 TEST_F(Do, TheReportForMachinesIsJson) {
-    EXPECT_EQ(result("do walk.tavo --json CreateJoint -- Undo -o out.tavo --settings mine.xml"),
-              R"({"file":"walk.tavo","selected":[],"commands":[)"
-              R"({"name":"CreateJoint","steps":1,"results":[{"path":"Scene|joint","type":"Joint"}]},)"
-              R"({"name":"Undo","steps":-1,"results":[]}],"dryRun":false,"wrote":["mine.xml","out.tavo"]})"
-              "\n");
+    EXPECT_EQ(
+        result("do walk.tavo --json CreateJoint -- Undo -o out.tavo --settings mine.xml"),
+        R"({"file":"walk.tavo","selected":[],"commands":[)"
+        R"({"name":"CreateJoint","steps":1,"results":[{"path":"Scene|character|kinematics|joint","type":"Joint"}]},)"
+        R"({"name":"Undo","steps":-1,"results":[]}],"dryRun":false,"wrote":["mine.xml","out.tavo"]})"
+        "\n");
     EXPECT_TRUE(has(result("do walk.tavo --json Copy --dry-run -o x.tavo"), R"("dryRun":true,"wrote":[])"));
 }
 
 TEST_F(Do, AResultIsToldAlsoWhenALaterCommandDeletesIt) {
-    EXPECT_TRUE(has(result("do walk.tavo CreateJoint -- Delete"), "  Scene|joint  (Joint)\nDelete: 1 step\n"));
+    EXPECT_TRUE(has(result("do walk.tavo CreateJoint -- Delete"),
+                    "  Scene|character|kinematics|joint  (Joint)\nDelete: 1 step\n"));
 }
 
 TEST_F(Do, WithoutAnOutputNothingIsWritten) {
@@ -176,7 +181,7 @@ TEST_F(Do, WithoutAnOutputNothingIsWritten) {
 TEST_F(Do, ADryRunRunsAndReportsAndWritesNothing) {
     std::ptrdiff_t const before = files();
     EXPECT_EQ(result("do walk.tavo CreateJoint --dry-run -o out.tavo --settings mine.xml"),
-              "CreateJoint: 1 step\n  Scene|joint  (Joint)\na dry run: nothing written\n");
+              "CreateJoint: 1 step\n  Scene|character|kinematics|joint  (Joint)\na dry run: nothing written\n");
     EXPECT_EQ(files(), before);
     failure(failed, "do walk.tavo SelectAll -- Delete --dry-run");
 }
