@@ -11,6 +11,37 @@ using Qelutils::rotation::toQuaternion;
 constexpr double closedBelow = 1e-9;  // radians: an angle with no more room than this does not move
 constexpr double beyond = 1e-10;      // radians: more than the rounding of what was put on the border
 
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// Of a rotation that is known to be one. From the largest of the four numbers, as rotation::toQuaternion.
+Quaternion quaternionOf(Mat3 const& m) {
+    double const x = m.row[0].x, y = m.row[1].y, z = m.row[2].z;
+    Vec3 const odd{m.row[1].z - m.row[2].y, m.row[2].x - m.row[0].z, m.row[0].y - m.row[1].x};
+    double const xy = m.row[0].y + m.row[1].x, yz = m.row[1].z + m.row[2].y, zx = m.row[2].x + m.row[0].z;
+    Quaternion q;
+    if (x + y + z > 0)
+        q = {odd.x, odd.y, odd.z, 1 + x + y + z};
+    else if (x >= y && x >= z)
+        q = {1 + x - y - z, xy, zx, odd.x};
+    else if (y >= z)
+        q = {xy, 1 + y - x - z, yz, odd.y};
+    else
+        q = {zx, yz, 1 + z - x - y, odd.z};
+    double const f = (q.w < 0 ? -1 : 1) / std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
+    return {q.x * f, q.y * f, q.z * f, q.w * f};
+}
+
+// As rotation::toTwistSwing, of a unit quaternion whose scalar is not negative.
+JointLimitAngles anglesOf(Quaternion const& q) {
+    double const cosine = std::sqrt(q.w * q.w + q.x * q.x);
+    double const c = cosine > 1e-6 ? q.w / cosine : 1, s = cosine > 1e-6 ? q.x / cosine : 0;
+    double const u = q.y * c - q.z * s, v = q.z * c + q.y * s, sine = std::sqrt(u * u + v * v);
+    double const f = sine < 1e-8 ? 2 : 2 * std::atan2(sine, cosine) / sine;
+    return {2 * std::atan2(s, c), f * u, f * v};
+}
+
+double border(bool active, double angle) { return !active ? infinity : angle > 0 ? angle : 0; }
+
 struct Gradients {
     Vec3 twist, swing1, swing2;  // by turns about the axes that are turned first
 };
@@ -55,21 +86,51 @@ struct Collector {
 
 void Borders::setUp(std::span<JointLimit const* const> limits) {
     limits_.clear();
+    frames_.clear();
+    measured_.clear();
     limited_.assign(limits.size(), -1);
     for (std::size_t i = 0; i < limits.size(); ++i) {
         if (!limits[i]) continue;
         limited_[i] = int(limits_.size());
         limits_.push_back(*limits[i]);
-        limits_.back().softSwingActive = limits_.back().softTwistActive = false;
+        JointLimit& l = limits_.back();
+        l.softSwingActive = l.softTwistActive = false;
+        if (!std::isfinite(l.twistOffset)) l.twistOffset = 0;
+        measured_.emplace_back();
+        bool const isHinge = l.type == HingeLimit;
+        frames_.push_back({fromRotation(fromQuaternion(l.movingOffset)),
+                           transposed(fromRotation(fromQuaternion(l.fixedFrame))), l.twistOffset,
+                           border(l.twistActive, l.twistAngle), isHinge ? 0 : border(l.swing1Active, l.swing1Angle),
+                           isHinge ? 0 : border(l.swing2Active, l.swing2Angle)});
     }
 }
 
-void Borders::clamp(Skeleton& skeleton, int joint) const {
+Borders::Measured const& Borders::measured(Skeleton const& skeleton, int joint) const {
+    Mat3 const& turn = skeleton.joints[std::size_t(joint)].turn;
+    Measured& m = measured_[std::size_t(limited_[std::size_t(joint)])];
+    if (m.isValid && m.turn == turn) return m;
+    Frames const& f = frames(joint);
+    m.turn = turn;
+    m.rotation = quaternionOf(f.offset * turn * f.fromFixed);
+    m.at = anglesOf(m.rotation);
+    m.isValid = true;
+    return m;
+}
+
+// Cheaper than asking the limit, and true only of what it would leave as it is.
+bool Borders::isInside(Frames const& f, JointLimitAngles const& at) {
+    double const x = at.swing1 / f.swing1, y = at.swing2 / f.swing2;
+    return std::abs(at.twist - f.middle) < f.twist && x * x + y * y < 1;
+}
+
+bool Borders::clamp(Skeleton& skeleton, int joint) const {
+    if (isInside(frames(joint), measured(skeleton, joint).at)) return false;
     Mat3& turn = skeleton.joints[std::size_t(joint)].turn;
-    JointLimit const& limit = limits_[std::size_t(limited_[std::size_t(joint)])];
-    Quaternion const at = toQuaternion(toRotation(turn));
-    JointLimitAngles const angles = measureJointRotation(limit, at), inside = clampJointAngles(limit, angles);
-    if (!(inside == angles)) turn = fromRotation(fromQuaternion(jointRotationAt(limit, inside)));
+    JointLimitAngles const at = measureJointRotation(limit(joint), toQuaternion(toRotation(turn)));
+    JointLimitAngles const inside = clampJointAngles(limit(joint), at);
+    if (inside == at) return false;
+    turn = fromRotation(fromQuaternion(jointRotationAt(limit(joint), inside)));
+    return true;
 }
 
 void Borders::centre(Skeleton& skeleton, int joint, double share) const {
@@ -103,16 +164,10 @@ double Borders::excess(Skeleton const& skeleton, int joint) const {
 }
 
 LimitState Borders::measure(Skeleton const& skeleton, int joint) const {
-    JointLimit const& l = limit(joint);
-    LimitState state;
-    state.at = measureJointRotation(l, toQuaternion(toRotation(skeleton.joints[std::size_t(joint)].turn)));
-    Gradients const g =
-        gradientsOf(Qelutils::rotation::fromTwistSwing({state.at.twist, state.at.swing1, state.at.swing2}));
-    Mat3 const offset = fromRotation(fromQuaternion(l.movingOffset));
-    state.twist = g.twist * offset;
-    state.swing1 = g.swing1 * offset;
-    state.swing2 = g.swing2 * offset;
-    return state;
+    Measured const& m = measured(skeleton, joint);
+    Gradients const g = gradientsOf(m.rotation);
+    Mat3 const& offset = frames(joint).offset;
+    return {m.at, g.twist * offset, g.swing1 * offset, g.swing2 * offset};
 }
 
 int Borders::closed(int joint, LimitState const& state, Bound (&out)[3]) const {
@@ -128,6 +183,7 @@ int Borders::bounds(int joint, LimitState const& state, Vec3 const& turn, Bound 
     JointLimit const& l = limit(joint);
     JointLimitAngles const moved{state.at.twist + dot(state.twist, turn), state.at.swing1 + dot(state.swing1, turn),
                                  state.at.swing2 + dot(state.swing2, turn)};
+    if (isInside(frames(joint), moved)) return 0;
     JointLimitAngles const over = jointLimitExcess(l, moved);
     Collector c{out};
     if (std::abs(over.twist) > beyond && !isClosed(l.twistActive, l.twistAngle)) {

@@ -27,7 +27,7 @@ public:
     // Null for a joint without a limit; what is pointed at is copied. Limits are taken as hard ones.
     void setUp(std::span<JointLimit const* const> limits);
     bool has(int joint) const { return limited_[std::size_t(joint)] >= 0; }
-    void clamp(Skeleton& skeleton, int joint) const;
+    bool clamp(Skeleton& skeleton, int joint) const;           // whether it had to move
     double excess(Skeleton const& skeleton, int joint) const;  // radians beyond the border; 0 inside
     // Takes the joint this part of the way to where its limits have most room: 1 is the middle.
     void centre(Skeleton& skeleton, int joint, double share) const;
@@ -41,7 +41,24 @@ public:
 
 private:
     JointLimit const& limit(int joint) const { return limits_[std::size_t(limited_[std::size_t(joint)])]; }
+    // The limit's frames as matrices, and its borders, infinite where there are none.
+    struct Frames {
+        Mat3 offset, fromFixed;
+        double middle, twist, swing1, swing2;
+    };
+    Frames const& frames(int joint) const { return frames_[std::size_t(limited_[std::size_t(joint)])]; }
+    static bool isInside(Frames const& f, JointLimitAngles const& at);
+    // The rotation that is limited, and its angles; kept for a joint that is asked again before it turns.
+    struct Measured {
+        Mat3 turn;
+        Quaternion rotation;
+        JointLimitAngles at;
+        bool isValid = false;
+    };
+    Measured const& measured(Skeleton const& skeleton, int joint) const;
     std::vector<JointLimit> limits_;
+    std::vector<Frames> frames_;
+    mutable std::vector<Measured> measured_;
     std::vector<int> limited_;  // number of a joint's limit; -1
 };
 

@@ -11,9 +11,9 @@ constexpr double leastDamping = 1e-12, mostDamping = 1e12;
 // An eager run gives up when an iteration leaves more than this of a cost that is still far, or three of one that is
 // not.
 constexpr double slowFall = 0.9, farCost = 1e-2;
-// A patient one when so many leave more than this.
-constexpr double idleFall = 1 - 1e-7;
-constexpr int mostIdle = 8;
+// A patient one when so many in turn come to less than this, in radians.
+constexpr double idleStep = 2e-4;
+constexpr int mostIdle = 5;
 
 Vec3 at(std::vector<double> const& v, std::size_t block) { return {v[3 * block], v[3 * block + 1], v[3 * block + 2]}; }
 void put(std::vector<double>& v, std::size_t block, Vec3 const& x) {
@@ -203,8 +203,7 @@ void Descent::apply() {
             continue;
         }
         skeleton.turnBy(block.joint, move);
-        if (!borders.has(block.joint)) continue;
-        borders.clamp(skeleton, block.joint);
+        if (!borders.has(block.joint) || !borders.clamp(skeleton, block.joint)) continue;
         Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
         Vec3 const done = logarithm(turn * transposed(kept_.turns[std::size_t(block.joint)]));
         put(change_, b, unscaled(done, block.scale));
@@ -248,7 +247,10 @@ bool Descent::isSlow(double before) {
 }
 
 bool Descent::isIdle(double before) {
-    idle_ = tasks.cost < idleFall * before ? 0 : idle_ + 1;
+    double largest = 0;
+    for (double c : change_) largest = std::max(largest, std::abs(c));
+    bool const moves = tasks.cost < before && largest > idleStep;
+    idle_ = moves ? 0 : idle_ + 1;
     return idle_ >= mostIdle || damping_ > mostDamping;
 }
 

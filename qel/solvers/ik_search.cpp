@@ -177,6 +177,13 @@ void Search::stir(int joint, std::uint64_t& random, double range) {
         descent_.skeleton.turnBy(joint, at);
 }
 
+// Nothing has moved since the start.
+bool Search::isStuck() const {
+    for (std::size_t i = 0; i < first_.turns.size(); ++i)
+        if (!(first_.turns[i] == descent_.skeleton.joints[i].turn)) return false;
+    return true;
+}
+
 // In continuous mode the pose may not go elsewhere, but a straight limb whose target lies along it has no slope to
 // follow at all: what a small bend makes much better is taken.
 bool Search::bend(IKSolver const& solver) {
@@ -259,9 +266,10 @@ void Search::run(IKSolver& solver) {
     descent_.setUp();
     descent_.enterLimits();
     if (solver.maxIterations > 0 && !descent_.isReached()) relax();
+    descent_.skeleton.keep(first_);
     solver.attempts = 1;
     solver.isReached = descent_.run(solver.maxIterations, !goesOn) || giveWay(solver.maxIterations, !goesOn);
-    if (!solver.isReached) solver.isReached = goesOn ? bend(solver) : searchElsewhere(solver);
+    if (!solver.isReached) solver.isReached = goesOn ? isStuck() && bend(solver) : searchElsewhere(solver);
     solver.iterations = descent_.iterations;
     solver.positionError = descent_.tasks.positionError;
     solver.orientationError = descent_.tasks.orientationError;

@@ -24,6 +24,7 @@ private:
     void stir(int joint, std::uint64_t& random, double range);
     void stirMissing(std::uint64_t& random);
     void stirAll(std::uint64_t& random);
+    bool isStuck() const;
     bool bend(IKSolver const& solver);
     void comeBackTo(Pose const& pose);
     void findDepths();
