@@ -3,6 +3,7 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 SOURCES = find qel tavo plugins hosts tests bench fuzz -name '*.h' -o -name '*.cpp'
+PICTURED = trajectories inverse_kinematics retargeting
 CTEST = ctest --output-on-failure -j2 --test-dir
 
 .DEFAULT_GOAL := release
@@ -40,12 +41,12 @@ format-check: ## Fail if a source is not formatted
 
 readme: release ## Write what the host really prints into its pages: sessions, and the reference of the commands
 	@scripts/check_readme_session.py --host build/release/bin/tavo --update
-	@scripts/check_readme_session.py --host build/release/bin/tavo --page docs/host.md --update
-	@scripts/check_readme_session.py --host build/release/bin/tavo --page docs/trajectories.md --update
+	@for page in host $(PICTURED); do \
+	    scripts/check_readme_session.py --host build/release/bin/tavo --page docs/$$page.md --update || exit 1; done
 	@build/release/bin/tavo commands --markdown >docs/commands.md
 
-docs-pictures: release ## Draw the pictures of docs/trajectories.md, by its own commands
-	@scripts/docs_pictures.sh build/release/bin/tavo
+docs-pictures: release ## Draw the pictures of the pages that have some, by their own commands
+	@for page in $(PICTURED); do scripts/docs_pictures.sh build/release/bin/tavo $$page || exit 1; done
 
 install: release ## Install under PREFIX (/usr/local)
 	@cmake --install build/release --prefix $(PREFIX)

@@ -2,11 +2,14 @@
 """Draws a character as stick figures along its way, from what `tavo sample` writes of its joints.
 
 Usage: tavo sample SCENE --objects PATTERN --attribute WorldTranslation | stick_figures.py -o OUT.svg [--every N]
-           [--title TEXT]
+           [--title TEXT] [--before TABLE] [--beside TABLE [--aside METRES]] [--mark X,Y,Z]...
 Every N-th moment of the table is a figure: a line from each joint to the joint above it in its path. All moments are the
 way of the root on the floor, a grey line. The scene is seen from in front, to the right and above, without perspective,
 on tiles of a metre; what is left is blue, what is right orange, the rest dark. All pictures have one scale, so that they
 compare. The same table gives the same bytes.
+
+--before draws the figures of another table beneath, in grey; --beside those of another character, moved aside along x;
+--mark a place as a ring, with a line down to the floor.
 """
 import argparse
 import csv
@@ -18,6 +21,8 @@ from xml.sax.saxutils import escape
 TURN, RISE = math.radians(-45), math.radians(26)  # of the eye about the vertical, and above the floor
 METRE, MARGIN, TOP, NEAR = 150, 20, 52, 1.1  # pixels; and how far from the way the floor goes, in metres
 COLOURS = {"left": "#0072b2", "right": "#d55e00", "middle": "#333"}
+GREY, MARK = dict.fromkeys(COLOURS, "#b9bfc6"), "#009e73"
+SIDES = {"_l": "left", "_r": "right"}  # beside names that begin with the word
 
 
 def read(lines):
@@ -32,12 +37,23 @@ def read(lines):
     return moments, root
 
 
+def moved(moments, aside):
+    return {
+        time: {path: (x + aside, y, z) for path, (x, y, z) in joints.items()} for time, joints in moments.items()
+    }
+
+
 def flat(point):
     """From the scene to the plane of the picture, in metres, y down. The way along z runs to the right."""
     x, y, z = point
     right = z * math.cos(TURN) - x * math.sin(TURN)
     away = z * math.sin(TURN) + x * math.cos(TURN)
     return right, -y * math.cos(RISE) - away * math.sin(RISE)
+
+
+def far(place):
+    """Less for what is farther away, by where it is above the floor."""
+    return flat((place[0], 0, place[2]))[1]
 
 
 def tiles(way):
@@ -53,7 +69,7 @@ def tiles(way):
 
 def side(path):
     name = path.rsplit("|", 1)[-1].lower()
-    return next((word for word in ("left", "right") if name.startswith(word)), "middle")
+    return next((word for word in ("left", "right") if name.startswith(word)), SIDES.get(name[-2:], "middle"))
 
 
 def bones(joints):
@@ -93,20 +109,48 @@ class Picture:
         return "\n".join(head + self.out + ["</svg>", ""])
 
 
-def draw(moments, root, title, every):
-    way = [(joints[root][0], 0, joints[root][2]) for joints in moments.values()]
-    shown = list(moments.items())[::every]
-    floor = tiles(way)
-    picture = Picture([p for tile in floor for p in tile] + [p for _, joints in shown for p in joints.values()])
+class Figures:
+    """A character at some moments, in its colours."""
+
+    def __init__(self, table, every, colours=COLOURS, aside=0):
+        moments, self.root = table
+        moments = moved(moments, aside)
+        self.way = [(joints[self.root][0], 0, joints[self.root][2]) for joints in moments.values()]
+        self.shown = list(moments.items())[::every]
+        self.colours = colours
+
+    def far_first(self):
+        return sorted((joints for _, joints in self.shown), key=lambda joints: far(joints[self.root]))
+
+    def joints(self):
+        return [place for _, joints in self.shown for place in joints.values()]
+
+
+def draw(characters, title, marks=()):
+    floor = tiles([place for character in characters for place in character.way])
+    picture = Picture([p for tile in floor for p in tile] + [p for c in characters for p in c.joints()] + list(marks))
     picture.add('<g class="floor" fill="#f7f7f5" stroke="#dcdcd8">')
     for tile in floor:
         picture.line(tile, end="Z")
     picture.add("</g>")
-    picture.line(way, 'class="way" fill="none" stroke="#8d949c" stroke-width="2.5" stroke-linejoin="round"')
-    for time, joints in sorted(shown, key=lambda item: flat((item[1][root][0], 0, item[1][root][2]))[1]):
-        figure(picture, joints)
-    labels(picture, [(time, joints[root]) for time, joints in shown])
+    for character in characters:
+        way = 'class="way" fill="none" stroke="#8d949c" stroke-width="2.5" stroke-linejoin="round"'
+        picture.line(character.way, way)
+    for character in characters:
+        for joints in character.far_first():
+            figure(picture, joints, character.colours)
+    for place in marks:
+        mark(picture, place)
+    labels(picture, [(time, joints[c.root]) for c in characters if c.colours is COLOURS for time, joints in c.shown])
     return picture.svg(title)
+
+
+def mark(picture, place):
+    x, y = picture.at(place)
+    picture.add(f'<g class="mark" fill="none" stroke="{MARK}" stroke-width="1.5">')
+    picture.line([place, (place[0], 0, place[2])], 'stroke-dasharray="3 3" stroke-width="1"')
+    picture.add(f'<circle cx="{x:.1f}" cy="{y:.1f}" r="7"/>')
+    picture.add("</g>")
 
 
 def labels(picture, places):
@@ -118,37 +162,64 @@ def labels(picture, places):
     picture.add("</g>")
 
 
-def figure(picture, joints):
+def figure(picture, joints, colours):
     """Its bones, each with a white rim, so that what crosses stays apart; and a head."""
     picture.add('<g class="figure" fill="none" stroke-linecap="round">')
-    drawn = sorted(bones(joints), key=lambda bone: flat((bone[1][0], 0, bone[1][2]))[1])
+    drawn = sorted(bones(joints), key=lambda bone: far(bone[1]))
     for which, above, place in drawn:
         picture.line([above, place], 'stroke="#fff" stroke-width="6"')
     for which, above, place in drawn:
-        picture.line([above, place], f'stroke="{COLOURS[which]}" stroke-width="2.8"')
-    head = next((path for path in joints if path.endswith("|Head")), None)
+        picture.line([above, place], f'stroke="{colours[which]}" stroke-width="2.8"')
+    head = next((path for path in joints if path.lower().endswith("|head")), None)
     if head:
         x, y = picture.at(joints[head])
         radius = 0.1 * METRE
-        rim = f'fill="#fff" stroke="{COLOURS["middle"]}" stroke-width="2"'
+        rim = f'fill="#fff" stroke="{colours["middle"]}" stroke-width="2"'
         picture.add(f'<circle cx="{x:.1f}" cy="{y - radius:.1f}" r="{radius:.1f}" {rim}/>')
     picture.add("</g>")
 
 
-def main():
+def point(text):
+    place = tuple(float(number) for number in text.split(","))
+    if len(place) != 3 or not all(map(math.isfinite, place)):
+        raise ValueError(text)
+    return place
+
+
+def parsed():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("-o", "--output", type=Path, required=True)
     parser.add_argument("--title", default="")
     parser.add_argument("--every", type=int, default=1)
+    parser.add_argument("--before", type=Path)
+    parser.add_argument("--beside", type=Path)
+    parser.add_argument("--aside", type=float, default=-1.2)
+    parser.add_argument("--mark", type=point, action="append", default=[])
     arguments = parser.parse_args()
     if arguments.every < 1:
         parser.error("--every is a number of at least 1")
+    return arguments
+
+
+def characters(arguments):
+    def of(file, *options):
+        return [Figures(read(file.read_text(encoding="utf-8").splitlines()), arguments.every, *options)] if file else []
+
+    return [
+        *of(arguments.before, GREY),
+        Figures(read(sys.stdin), arguments.every),
+        *of(arguments.beside, COLOURS, arguments.aside),
+    ]
+
+
+def main():
+    arguments = parsed()
     try:
-        moments, root = read(sys.stdin)
+        drawn = draw(characters(arguments), arguments.title, arguments.mark)
     except (KeyError, ValueError) as error:
         print(f"this is no table of WorldTranslation: {error}", file=sys.stderr)
         return 3
-    arguments.output.write_text(draw(moments, root, arguments.title, arguments.every), encoding="utf-8")
+    arguments.output.write_text(drawn, encoding="utf-8")
     return 0
 
 

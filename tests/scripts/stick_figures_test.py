@@ -46,6 +46,38 @@ class StickFigures(unittest.TestCase):
         way = next(p for p in picture.iter(f"{SVG}path") if p.get("class") == "way")
         self.assertEqual(way.get("d").count("L"), 6)
 
+    def colours(self, figure):
+        return {p.get("stroke") for p in figure.iter(f"{SVG}path")} - {"#fff"}
+
+    def test_sides_are_told_by_the_end_of_a_name_as_well(self):
+        text = table(1).replace("LeftLeg", "leg_l").replace("RightLeg", "leg_r").replace("Head", "head")
+        self.assertEqual(self.colours(self.groups(self.draw(text), "figure")[0]), {"#0072b2", "#333", "#d55e00"})
+
+    def test_figures_of_before_lie_beneath_in_grey(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".csv") as file:
+            file.write(table(2))
+            file.flush()
+            figures = self.groups(self.draw(table(1), "--before", file.name), "figure")
+        self.assertEqual([len(self.colours(f)) for f in figures], [1, 1, 3])
+
+    def test_another_character_stands_beside(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".csv") as file:
+            file.write(table(1))
+            file.flush()
+            first, second = self.groups(self.draw(table(1), "--beside", file.name, "--aside", "-2"), "figure")
+        places = [[p.get("d") for p in f.iter(f"{SVG}path")] for f in (first, second)]
+        self.assertNotEqual(*places)
+        self.assertEqual(len(places[0]), len(places[1]))
+
+    def test_each_mark_is_a_ring_over_the_floor(self):
+        rings = self.groups(self.draw(table(1), "--mark", "0.5,1,0", "--mark=-1,0.2,3"), "mark")
+        self.assertEqual([len(list(ring)) for ring in rings], [2, 2])
+
+    def test_a_mark_is_three_numbers(self):
+        for text in ("1,2", "a,b,c", "nan,0,0"):
+            self.assertIsNone(self.draw(table(1), "--mark", text), text)
+            self.assertEqual(self.done.returncode, 2, text)
+
     def test_the_title_may_hold_anything(self):
         self.assertIn("a &lt; b", self.draw(table(1), "--title", "a < b").decode())
 
