@@ -82,7 +82,7 @@ void RetargetGrade::finish(double frameTime) {
     if (!report_.Run()) throw Failure{ExitCode::failed, "the result cannot be graded"};
     for (sg::JointMatch const& pair : match.matches)
         matches_.push_back({source_.names[std::size_t(pair.source)], target_.names[std::size_t(pair.target)],
-                            nameOf(pair.basis), pair.confidence});
+                            nameOf(pair.basis), pair.confidence, pair.blendSource < 0 && pair.boneSource < 0});
     unmatchedSource_ = source_.namesOf(match.unmatchedSource);
     unmatchedTarget_ = target_.namesOf(match.unmatchedTarget);
     report_.feet = {};  // what the node held and what stood here goes
@@ -137,7 +137,8 @@ std::string RetargetGrade::json(RetargetVerb const& verb) const {
 std::string RetargetGrade::mapText() const {
     std::string text = "# source\ttarget\tconfidence\tfound by\n";
     for (Match const& match : matches_)
-        text += fmt::format("{}\t{}\t{:.2f}\t{}\n", match.source, match.target, match.confidence, match.basis);
+        text += fmt::format("{}{}\t{}\t{:.2f}\t{}\n", match.isPair ? "" : "# ", match.source, match.target,
+                            match.confidence, match.basis);
     for (std::string const& name : unmatchedTarget_) text += fmt::format("\t{}\n", name);
     return text;
 }

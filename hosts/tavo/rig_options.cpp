@@ -11,8 +11,9 @@ char const* const ikExamples = R"(Examples:
 
 The figure from the root down to the effectors gets a rig, whose handles move to the targets: x, y, z in metres, and
 three angles in degrees where the effector is to stand so too, which turn about x, then y, then z. Both are those of the
-world. A pinned effector stays where it is. A target out of reach gives the nearest pose. The rig stays in the scene that
-is written. The report tells how far each effector is from its target.)";
+world. A pinned effector stays where it is. A root below another joint only turns; the topmost one of a figure moves too,
+unless it is pinned. A target out of reach gives the nearest pose. The rig stays in the scene that is written. The
+report tells how far each effector is from its target. Beyond --max-error the report is all that comes of it.)";
 
 char const* const retargetExamples = R"(Examples:
   tavo retarget walk.bvh --to figure.bvh -o figure_walks.bvh
