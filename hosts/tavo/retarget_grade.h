@@ -40,6 +40,8 @@ private:
         std::vector<std::string> namesOf(std::vector<int> const& indices) const;
     };
 
+    void tellMatches(sg::SkeletonMatch const& match);
+
     sg::RetargetNode& node_;
     Side source_, target_;
     sg::RetargetReport report_;

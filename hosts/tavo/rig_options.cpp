@@ -25,7 +25,8 @@ char const* const retargetExamples = R"(Examples:
 The figure of --to takes over the motion of CLIP, as far as the two have joints that correspond; its own motion goes. Both
 are thought to stand alike at rest; where they do not, --origin-frame and --to-origin-frame name frames in which they do.
 A map has a line for each pair: the joint of CLIP, a tab, the joint of the figure, and maybe more after another tab. Joints
-that a map does not name are matched by themselves; a line with nothing before the tab leaves that joint alone.
+that a map does not name are matched by themselves; a line with nothing before the tab leaves that joint alone. Lines that
+begin with # are remarks: so --write-map tells what no pair can say, a joint that follows a mix of two.
 
 The report tells the matches with how sure they are (1 is certain), joints without one, and of the result: how far the
 feet slide while they stand, how deep a joint goes below the ground, limits that were hit. A gate that is missed writes

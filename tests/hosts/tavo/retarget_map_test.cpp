@@ -55,7 +55,10 @@ TEST_F(RetargetMaps, AnEditedMapChangesWhoFollowsWhom) {
 
 TEST_F(RetargetMaps, ALineWithNothingBeforeTheTabLeavesThatJointAlone) {
     write(folder / "map.txt", "\tLeftForeArm\n");
-    result("retarget " + call + " --map map.txt");
+    std::string const report = result("retarget " + call + " --map map.txt --report --write-map again.txt");
+    EXPECT_TRUE(has(report, "29 of 30 joints matched")) << report;
+    EXPECT_TRUE(has(report, "without a match: LeftForeArm; of the clip: LeftForeArm\n")) << report;
+    EXPECT_TRUE(has(text("again.txt"), "\n\tLeftForeArm\n")) << text("again.txt");
     bvh::Clip const out = read("x.bvh");
     for (int k = 0; k < 3; ++k) {
         int const column = out.joints[std::size_t(joint(out, "LeftForeArm"))].column + k;
@@ -72,6 +75,20 @@ TEST_F(RetargetMaps, WhatIsWrongWithAMapIsToldWithItsLine) {
     expectBadMap(wrongCall, "Hips\tHips\nHips\tSpine\n", "map.txt, line 2: Hips stands in a line before");
     expectBadMap(wrongCall, "Hips\tHips\nSpine\tHips\n", "map.txt, line 2: Hips stands in a line before");
     expectFailure(badInput, call + " --map none.txt", "none.txt");
+}
+
+TEST_F(RetargetMaps, ANameOfSeveralJointsIsRefused) {
+    result("import figure.bvh --units cm -o figure.tavo");
+    result("do figure.tavo --select Hips Delete -- CreateJoint -- CreateJoint -o alike.tavo");
+    write(folder / "map.txt", "Hips\tjoint\n");
+    expectFailure(wrongCall, "clip.bvh --to alike.tavo -o x.bvh --map map.txt",
+                  "map.txt, line 1: the figure has several joints \"joint\"");
+}
+
+TEST_F(RetargetMaps, WithoutMatchesThereIsNothingToWrite) {
+    result("import figure.bvh --units cm -o figure.tavo");
+    result("do figure.tavo --select Hips Delete -- CreateJoint -o one.tavo");
+    expectFailure(1, "clip.bvh --to one.tavo -o x.bvh", "nothing is written");
 }
 
 // ---- gates ----

@@ -173,6 +173,8 @@ TEST_F(Retargets, ASceneHoldsTheFigureWithKeysAndNothingElse) {
     for (char const* gone : {"Retarget", "MatrixConversion", "_retarget"}) EXPECT_FALSE(has(scene, gone)) << gone;
     EXPECT_EQ(treeOf(after), treeOf(before));
     EXPECT_NEAR(end("out.tavo"), (frames - 1) * clip.frameTime, 1e-6);
+    EXPECT_EQ(sample("out.tavo", "LeftArm", "RotationEulerOrder", 0),
+              sample("figure.tavo", "LeftArm", "RotationEulerOrder", 0));
     result("export out.tavo -o back.bvh");
     EXPECT_LT(largestDistance(clip, read("back.bvh")), 1e-4);
 }
