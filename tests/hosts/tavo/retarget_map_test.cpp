@@ -39,6 +39,7 @@ TEST_F(RetargetMaps, AWrittenMapGivesTheSameResultByteForByte) {
     result("retarget " + std::string(pair) + " -o b.bvh --map map.txt --write-map again.txt");
     EXPECT_EQ(text("a.bvh"), text("b.bvh"));
     EXPECT_TRUE(has(text("map.txt"), "\nLeftHand\tLeftHand\t1.00\tname\n")) << text("map.txt");
+    EXPECT_TRUE(has(text("map.txt"), "\n# Spine\tSpine\t")) << text("map.txt");
     EXPECT_TRUE(has(text("again.txt"), "\nLeftHand\tLeftHand\t1.00\tgiven\n")) << text("again.txt");
 }
 
