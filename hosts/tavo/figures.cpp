@@ -2,14 +2,17 @@
 #include "hosts/tavo/time_steps.h"
 #include "plugins/bvh/exporter.h"
 #include "plugins/bvh/scene_notes.h"
+#include "qel/utils/text.h"
 #include "tavo/objects/matrix.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace host {
 namespace {
 
 using namespace Tavo;
+using Qelutils::toUtf8;
 
 // As it was imported, without rotation; a joint of another making stands as it does now.
 XMatrix restOf(XJoint const& joint, double metres) {
@@ -25,40 +28,57 @@ double metresOf(XJoint const& root) {
     return bvh::metresPer(notes ? notes->unit : bvh::Unit::metre);
 }
 
+Qelutils::Vector<XObject> jointsOf(XScene& scene) {
+    Qelutils::Vector<XObject> joints;
+    scene.RootObject().DescendantObjects(joints, XJoint::TypeID, SupportsObjectType);
+    return joints;
+}
+
+Motion ofScene(XScene& scene, std::string const& file) {
+    Motion motion;
+    bvh::Error error;
+    if (!bvh::exportClip(scene, motion.clip, error))
+        throw Failure{ExitCode::badInput, fmt::format("{}: {}", file, error.text())};
+    bvh::ClipNotes const notes = bvh::recallClip(XJoint(jointsOf(scene).front())).value_or(bvh::ClipNotes());
+    motion.options.unit = notes.unit;
+    motion.options.positions = notes.positions;
+    return motion;
+}
+
 }  // namespace
+
+Frames Frames::of(XScene const& scene) {
+    double const step = bvh::frameTimeOf(scene).seconds;
+    return {double(scene.SceneSettings().StartTime().Float()), step, std::int64_t(bvh::frameCountOf(scene, step))};
+}
 
 Motion Motion::read(Input const& input) {
     Session session(input);
+    Motion motion;
     if (session.clip()) {
         bvh::ImportReport const& report = session.clip()->report;
-        return {session.clip()->clip, {report.positions.positions, report.unit}};
+        motion = {session.clip()->clip, {report.positions.positions, report.unit}};
+    } else {
+        motion = ofScene(session.scene(), input.file);
     }
-    Motion motion;
-    bvh::Error error;
-    if (!bvh::exportClip(session.scene(), motion.clip, error))
-        throw Failure{ExitCode::badInput, fmt::format("{}: {}", input.file, error.text())};
-    Qelutils::Vector<XObject> joints;
-    session.scene().RootObject().DescendantObjects(joints, XJoint::TypeID, SupportsObjectType);
-    std::optional<bvh::ClipNotes> const notes = bvh::recallClip(XJoint(joints.front()));
-    motion.options.unit = notes ? notes->unit : bvh::Unit::centimetre;
-    motion.options.positions = notes ? notes->positions : bvh::Positions::replace;
+    auto const isTopmost = [](bvh::Joint const& joint) { return joint.parent < 0; };
+    if (std::count_if(motion.clip.joints.begin(), motion.clip.joints.end(), isTopmost) > 1)
+        throw wrongCall(fmt::format("{} holds several figures; the motion of one alone can be taken over", input.file));
     return motion;
 }
 
 Figure Figure::ofScene(XScene& scene) {
     Figure figure;
-    Qelutils::Vector<XObject> joints;
-    scene.RootObject().DescendantObjects(joints, XJoint::TypeID, SupportsObjectType);
-    if (joints.empty()) throw wrongCall("the figure that is to move has no joints");
-    for (XObject const& object : joints) {
-        XJoint const joint(object);
-        figure.joints.push_back(joint);
+    for (XObject const& object : jointsOf(scene)) {
+        XJoint const& joint = figure.joints.emplace_back(object);
         if (joint.ParentJoint().IsValid()) continue;
-        XTransform const above = joint.ParentTransform();
-        if (figure.root.IsValid() && figure.root != above)
-            throw wrongCall("the file holds several figures; one alone can take over a motion");
-        figure.root = above;
+        if (figure.root.IsValid())
+            throw wrongCall(fmt::format("there are several figures, {} and {} among them; one alone can take over a "
+                                        "motion",
+                                        toUtf8(figure.joints.front().Path()), toUtf8(joint.Path())));
+        figure.root = joint.ParentTransform();
     }
+    if (figure.joints.empty()) throw wrongCall("the figure that is to move has no joints");
     figure.takeRest();
     return figure;
 }
@@ -70,15 +90,11 @@ Figure Figure::of(Motion const& motion, XScene& scene) {
     bvh::ImportReport report;
     if (!bvh::importClip(motion.clip, scene, motion.options, &report))
         throw Failure{ExitCode::failed, "the motion could not be brought into the scene"};
+    for (int const id : report.joints) figure.joints.emplace_back(scene.Object(id));
     figure.root = XTransform(scene.CreateObject(XTransform::TypeID, scene.RootObject()));
-    for (std::size_t i = 0; i < report.joints.size(); ++i) {
-        XJoint joint(scene.Object(report.joints[i]));
-        if (motion.clip.joints[i].parent < 0) {
-            joint.SetParent(figure.root);
-            joint.SetName(bvh::sceneName(motion.clip.joints[i].name));
-        }
-        figure.joints.push_back(joint);
-    }
+    XJoint& topmost = figure.joints.front();
+    topmost.SetParent(figure.root);
+    topmost.SetName(bvh::sceneName(motion.clip.joints.front().name));  // beside the other figure it had to differ
     figure.takeRest();
     return figure;
 }
@@ -88,13 +104,11 @@ void Figure::takeRest() {
     for (XJoint const& joint : joints) origin.push_back(restOf(joint, metres));
 }
 
-void Figure::takeOrigin(XScene& scene, int frame) {
-    double const step = bvh::frameTimeOf(scene).seconds;
-    double const count = bvh::frameCountOf(scene, step);
-    if (frame < 0 || double(frame) >= count)
-        throw wrongCall(fmt::format("there is no frame {}: they are 0 to {}", frame, count - 1));
+void Figure::takeOrigin(XScene& scene, Frames const& frames, int frame) {
+    if (frame < 0 || frame >= frames.count)
+        throw wrongCall(fmt::format("there is no frame {}: they are 0 to {}", frame, frames.count - 1));
     TimeSteps steps(scene);
-    steps.go(float(double(scene.SceneSettings().StartTime().Float()) + frame * step));
+    steps.go(frames.time(frame));
     for (std::size_t i = 0; i < joints.size(); ++i) origin[i] = joints[i].LocalMatrix().Matrix();
 }
 

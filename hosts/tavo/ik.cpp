@@ -8,6 +8,7 @@
 #include "tavo/interaction/selection.h"
 #include "tavo/kinematics/ik_handle.h"
 #include "tavo/kinematics/ik_solver.h"
+#include "tavo/kinematics/joint.h"
 
 #include <algorithm>
 #include <cmath>
@@ -57,9 +58,12 @@ std::vector<Goal> goalsOf(XScene& scene, IkVerb const& verb, XTransform const& r
         XTransform const pinned = findTransform(scene, pattern);
         add(pattern, {pinned.WorldTranslation(), pinned.WorldRotation()});
     }
+    if (goals.size() == 1 && goals.front().effector == root)
+        throw wrongCall(fmt::format("{} is the root; which effector below it?", toUtf8(root.Path())));
     return goals;
 }
 
+// A limb stays on its body: its root only turns. That of a whole figure moves too.
 XIKSolver buildRig(Session& session, XTransform const& root, std::vector<Goal>& goals) {
     XScene& scene = session.scene();
     XSelection selection = scene.Selection();
@@ -72,6 +76,7 @@ XIKSolver buildRig(Session& session, XTransform const& root, std::vector<Goal>& 
     if (!errors.empty() || !solver.IsValid())
         throw Failure{ExitCode::failed, errors.empty() ? "no rig could be built" : errors.front()};
     XAttribute const effectors = solver.EndEffectorTransforms(), handles = solver.IKHandleReferences();
+    solver.RootLocked().SetBoolean(XJoint(root).IsValid() && XJoint(root).ParentJoint().IsValid());
     for (int i = 0; i < effectors.ArraySize(); ++i)
         for (Goal& goal : goals)
             if (effectors.ObjectRef(i) == goal.effector) goal.handle = XIKHandle(handles.ObjectRef(i));
@@ -84,11 +89,23 @@ void moveHandles(XScene& scene, std::vector<Goal>& goals) {
     XChangeBlock const block(scene, label);
     for (Goal& goal : goals) {
         goal.handle.SetWorldTranslation(goal.target.position);
-        if (goal.target.rotation)
-            goal.handle.SetWorldRotationQuaternion(*goal.target.rotation);
-        else
-            goal.handle.SolverParameters().Attribute(0).SetEnumeration(XIKHandle::Position);
+        if (goal.target.rotation) goal.handle.SetWorldRotationQuaternion(*goal.target.rotation);
+        goal.handle.SolverParameters().Attribute(0).SetEnumeration(
+            goal.target.rotation ? XIKHandle::PositionAndOrientation : XIKHandle::Position);
     }
+}
+
+// Between two turns, in degrees; exact also where it is small.
+double angleBetween(XQuaternion const& a, XQuaternion const& b) {
+    double const p[] = {double(a.X()), double(a.Y()), double(a.Z()), double(a.W())},
+                 q[] = {double(b.X()), double(b.Y()), double(b.Z()), double(b.W())};
+    double apart = 0, together = 0;
+    for (int i = 0; i < 4; ++i) {
+        apart += (p[i] - q[i]) * (p[i] - q[i]);
+        together += (p[i] + q[i]) * (p[i] + q[i]);
+    }
+    double const halves[] = {std::sqrt(apart), std::sqrt(together)};
+    return 4 * std::atan2(std::min(halves[0], halves[1]), std::max(halves[0], halves[1])) * degrees;
 }
 
 struct Error {
@@ -100,24 +117,22 @@ Error errorOf(Goal const& goal) {
     Error error;
     error.millimetres = 1000 * double(goal.effector.WorldTranslation().DistanceTo(goal.target.position));
     if (!goal.target.rotation) return error;
-    XQuaternion const a = goal.effector.WorldRotation(), &b = *goal.target.rotation;
-    double const cosine = std::abs(double(a.X()) * double(b.X()) + double(a.Y()) * double(b.Y()) +
-                                   double(a.Z()) * double(b.Z()) + double(a.W()) * double(b.W()));
-    error.degrees = 2 * std::acos(std::min(cosine, 1.0)) * degrees;
+    error.degrees = angleBetween(goal.effector.WorldRotation(), *goal.target.rotation);
     return error;
 }
 
-std::string reportText(std::vector<Goal> const& goals) {
+std::string reportText(std::vector<Goal> const& goals, std::string const& wrote) {
     std::string text;
     for (Goal const& goal : goals) {
         Error const error = errorOf(goal);
         text += fmt::format("{}  {:.2f} mm", toUtf8(goal.effector.Path()), error.millimetres);
         text += error.degrees ? fmt::format("  {:.2f}°\n", *error.degrees) : "\n";
     }
-    return text;
+    return wrote.empty() ? text : text + fmt::format("wrote {}\n", wrote);
 }
 
-std::string reportJson(IkVerb const& verb, XTransform const& root, std::vector<Goal> const& goals) {
+std::string reportJson(IkVerb const& verb, XTransform const& root, std::vector<Goal> const& goals,
+                       std::string const& wrote) {
     Json json;
     json.open('{').member("file", verb.input.file).member("root", root.Path()).key("effectors").open('[');
     for (Goal const& goal : goals) {
@@ -127,21 +142,30 @@ std::string reportJson(IkVerb const& verb, XTransform const& root, std::vector<G
         json.close('}');
     }
     json.close(']').key("wrote").open('[');
-    if (!verb.output.empty()) json.value(verb.output);
+    if (!wrote.empty()) json.value(wrote);
     return json.close(']').close('}').take();
 }
 
-void checkGate(IkVerb const& verb, std::vector<Goal> const& goals) {
+// What the gate says, empty if nothing.
+std::string missed(IkVerb const& verb, std::vector<Goal> const& goals) {
     for (Goal const& goal : goals)
         if (double const error = errorOf(goal).millimetres; verb.maxError && !(error <= *verb.maxError))
-            throw Failure{ExitCode::missed, fmt::format("{} is {:.2f} mm from its target, more than {} mm",
-                                                        toUtf8(goal.effector.Path()), error, *verb.maxError)};
+            return fmt::format("{} is {:.2f} mm from its target, more than {} mm; nothing is written",
+                               toUtf8(goal.effector.Path()), error, *verb.maxError);
+    return {};
+}
+
+void check(IkVerb const& verb) {
+    if (verb.effectors.empty() && verb.pins.empty()) throw wrongCall("which effector? --effector PATH=x,y,z");
+    if (verb.at && !std::isfinite(float(*verb.at))) throw wrongCall("--at is a time, in seconds");
+    if (verb.maxError && !(*verb.maxError >= 0)) throw wrongCall("--max-error is a length of at least 0");
 }
 
 }  // namespace
 
+// The report is told also when the pose is not good enough; then it says how far it got.
 void run(IkVerb const& verb) {
-    if (verb.effectors.empty() && verb.pins.empty()) throw wrongCall("which effector? --effector PATH=x,y,z");
+    check(verb);
     Session session(verb.input);
     XScene& scene = session.scene();
     if (verb.at) session.settings().Time().SetFloat(float(*verb.at));
@@ -150,11 +174,10 @@ void run(IkVerb const& verb) {
     XIKSolver const solver = buildRig(session, root, goals);
     if (verb.noLimits) solver.DisableAllLimits().SetBoolean(true);
     moveHandles(scene, goals);
-    std::string const report = verb.json ? reportJson(verb, root, goals) : reportText(goals);
-    writeResult(report);
-    checkGate(verb, goals);
-    if (!verb.output.empty()) session.save(verb.output);
-    if (!verb.json && !verb.output.empty()) writeResult(fmt::format("wrote {}\n", verb.output));
+    std::string const failure = missed(verb, goals), wrote = failure.empty() ? verb.output : "";
+    if (!wrote.empty()) session.save(wrote);
+    writeResult(verb.json ? reportJson(verb, root, goals, wrote) : reportText(goals, wrote));
+    if (!failure.empty()) throw Failure{ExitCode::missed, failure};
 }
 
 }  // namespace host

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <set>
 #include <sstream>
 
 namespace host {
@@ -24,18 +23,32 @@ std::string contents(std::string const& file) {
     return all;
 }
 
-std::vector<std::wstring> namesOf(XAttribute const& joints) {
-    std::vector<std::wstring> names;
-    for (int i = 0; i < joints.ArraySize(); ++i) names.push_back(joints.ObjectRef(i).Name());
-    return names;
-}
+// One of the two figures, and which of its joints lines have named.
+struct Side {
+    Side(char const* name, XAttribute const& joints) : which(name), taken(std::size_t(joints.ArraySize())) {
+        for (int i = 0; i < joints.ArraySize(); ++i) names.push_back(joints.ObjectRef(i).Name());
+    }
 
-int indexOf(std::vector<std::wstring> const& names, std::wstring const& name, char const* which) {
-    auto const found = std::find(names.begin(), names.end(), name);
-    if (found == names.end())
-        throw wrongCall(fmt::format("{} has no joint \"{}\", which the map names", which, toUtf8(name)), toUtf8(name),
-                        names);
-    return int(found - names.begin());
+    int take(std::wstring const& name, std::string const& place) {
+        auto const found = std::find(names.begin(), names.end(), name);
+        if (found == names.end())
+            throw wrongCall(fmt::format("{}: {} has no joint \"{}\"", place, which, toUtf8(name)), toUtf8(name), names);
+        if (std::find(found + 1, names.end(), name) != names.end())
+            throw wrongCall(fmt::format("{}: {} has several joints \"{}\"", place, which, toUtf8(name)));
+        auto const index = std::size_t(found - names.begin());
+        if (taken[index]) throw wrongCall(fmt::format("{}: {} stands in a line before", place, toUtf8(name)));
+        taken[index] = true;
+        return int(index);
+    }
+
+    char const* which;
+    std::vector<std::wstring> names;
+    std::vector<bool> taken;
+};
+
+void leaveAlone(XObject const& joint) {
+    XJointRetargetParams const params(joint.FindChildObject(XJointRetargetParams::TypeID, IsObjectType));
+    params.Parameters().Attribute(XJointRetargetParams::ActivePart).SetBoolean(false);
 }
 
 }  // namespace
@@ -47,36 +60,28 @@ std::vector<JointMapLine> readMap(std::string const& file) {
     for (int number = 1; std::getline(text, line); ++number) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (line.empty() || line[0] == '#') continue;
+        std::string const place = fmt::format("{}, line {}", file, number);
         std::size_t const tab = line.find('\t');
         std::string const target =
             tab == std::string::npos ? "" : line.substr(tab + 1, line.find('\t', tab + 1) - tab - 1);
-        if (target.empty())
-            throw Failure{ExitCode::badInput,
-                          fmt::format("{}, line {}: this is not SOURCE, a tab, TARGET", file, number)};
-        lines.push_back({fromUtf8(line.substr(0, tab)), fromUtf8(target)});
+        if (target.empty()) throw Failure{ExitCode::badInput, place + ": this is not SOURCE, a tab, TARGET"};
+        lines.push_back({place, fromUtf8(line.substr(0, tab)), fromUtf8(target)});
     }
     return lines;
 }
 
 void applyMap(XRetarget const& rig, std::vector<JointMapLine> const& lines) {
     static std::wstring const label = L"Map joints";
-    std::vector<std::wstring> const sources = namesOf(rig.SourceJoints()), targets = namesOf(rig.TargetJoints());
-    std::set<int> used, usedSource;
+    Side source("the clip", rig.SourceJoints()), target("the figure", rig.TargetJoints());
     XChangeBlock const block(rig.Database(), label);
     for (JointMapLine const& line : lines) {
-        int const target = indexOf(targets, line.target, "the figure");
-        if (!used.insert(target).second) throw wrongCall(fmt::format("the map names {} twice", toUtf8(line.target)));
+        int const follower = target.take(line.target, line.place);
         if (line.source.empty()) {
-            XJointRetargetParams const params(
-                rig.TargetJoints().ObjectRef(target).FindChildObject(XJointRetargetParams::TypeID, IsObjectType));
-            params.Parameters().Attribute(XJointRetargetParams::ActivePart).SetBoolean(false);
+            leaveAlone(rig.TargetJoints().ObjectRef(follower));
             continue;
         }
-        int const source = indexOf(sources, line.source, "the clip");
-        if (!usedSource.insert(source).second)
-            throw wrongCall(fmt::format("the map names {} twice", toUtf8(line.source)));
-        rig.MappedSources().AddInteger(source);
-        rig.MappedTargets().AddInteger(target);
+        rig.MappedSources().AddInteger(source.take(line.source, line.place));
+        rig.MappedTargets().AddInteger(follower);
     }
 }
 

@@ -7,7 +7,6 @@
 #include "hosts/tavo/retarget_grade.h"
 #include "hosts/tavo/rig_verbs.h"
 #include "hosts/tavo/time_steps.h"
-#include "plugins/bvh/exporter.h"
 #include "plugins/bvh/scene_notes.h"
 #include "tavo/interaction/selection.h"
 
@@ -45,16 +44,12 @@ void setOrigins(XScene& scene, Figure const& figure) {
             params.Parameters().Attribute(XJointRetargetParams::OriginPart).SetMatrix(figure.origin[i]);
 }
 
-void play(Session& session, Baking& baking, RetargetGrade& grade) {
-    XScene& scene = session.scene();
-    double const step = bvh::frameTimeOf(scene).seconds, start = double(scene.SceneSettings().StartTime().Float());
-    auto const count = std::int64_t(bvh::frameCountOf(scene, step));
-    Progress progress("retargeting", count);
+void play(XScene& scene, Frames const& frames, Baking& baking, RetargetGrade& grade) {
+    Progress progress("retargeting", frames.count);
     TimeSteps steps(scene);
-    for (std::int64_t i = 0; i < count; ++i) {
-        float const time = float(start + double(i) * step);
-        steps.go(time);
-        baking.sample(time);
+    for (std::int64_t i = 0; i < frames.count; ++i) {
+        steps.go(frames.time(i));
+        baking.sample(frames.time(i));
         grade.sample();
         progress.advance(i + 1);
     }
@@ -75,34 +70,42 @@ void finish(Session& session, Figure& source, Figure& target, Baking& baking, Mo
             params.Delete();
     source.root.Delete();
     baking.write();
-    for (XJoint& joint : target.joints)
-        if (std::optional<bvh::ClipNotes> notes = bvh::recallClip(joint)) {
-            notes->frameTime = motion.clip.frameTimeText;
-            bvh::keep(joint, *notes);
-        }
+    bvh::ClipNotes notes = bvh::recallClip(target.joints.front()).value_or(bvh::ClipNotes());
+    notes.frameTime = motion.clip.frameTimeText;
+    bvh::keep(target.joints.front(), notes);
+}
+
+void checkNumbers(RetargetVerb const& verb) {
+    if (verb.maxSlide && !(*verb.maxSlide >= 0)) throw wrongCall("--max-slide is a length of at least 0");
+    if (verb.maxPenetration && !(*verb.maxPenetration >= 0))
+        throw wrongCall("--max-penetration is a length of at least 0");
+    if (verb.minConfidence && !(*verb.minConfidence >= 0 && *verb.minConfidence <= 1))
+        throw wrongCall("--min-confidence is a number from 0 to 1");
 }
 
 }  // namespace
 
 void run(RetargetVerb const& verb) {
+    checkNumbers(verb);
+    std::vector<JointMapLine> const map = verb.map.empty() ? std::vector<JointMapLine>() : readMap(verb.map);
     Motion const motion = Motion::read(verb.input);
     Input figureFile = verb.input;
     figureFile.file = verb.to;
     Session session(figureFile);
     XScene& scene = session.scene();
     Figure target = Figure::ofScene(scene);
-    if (verb.toFrame) target.takeOrigin(scene, *verb.toFrame);
+    if (verb.toFrame) target.takeOrigin(scene, Frames::of(scene), *verb.toFrame);
     Figure source = Figure::of(motion, scene);
-    if (verb.originFrame) source.takeOrigin(scene, *verb.originFrame);
+    if (verb.originFrame) source.takeOrigin(scene, motion.frames(), *verb.originFrame);
+    Baking baking(target.joints);  // before the rig takes the orders of angles over
     XRetarget const rig = attach(session, source, target);
     if (verb.noLimits) rig.DisableAllLimits().SetBoolean(true);
     setOrigins(scene, source);
     setOrigins(scene, target);
-    if (!verb.map.empty()) applyMap(rig, readMap(verb.map));
+    applyMap(rig, map);
     RetargetGrade grade(rig);
-    Baking baking(target.joints);
-    play(session, baking, grade);
-    grade.finish(bvh::frameTimeOf(scene).seconds);
+    play(scene, motion.frames(), baking, grade);
+    grade.finish(motion.clip.frameTime);
     checkGates(verb, grade.report());
     finish(session, source, target, baking, motion);
     session.save(verb.output);

@@ -80,20 +80,35 @@ void RetargetGrade::finish(double frameTime) {
     report_.match = &match;
     report_.scale = node_.getRig().scale;
     if (!report_.Run()) throw Failure{ExitCode::failed, "the result cannot be graded"};
-    for (sg::JointMatch const& pair : match.matches)
-        matches_.push_back({source_.names[std::size_t(pair.source)], target_.names[std::size_t(pair.target)],
-                            nameOf(pair.basis), pair.confidence});
-    unmatchedSource_ = source_.namesOf(match.unmatchedSource);
-    unmatchedTarget_ = target_.namesOf(match.unmatchedTarget);
+    tellMatches(match);
     report_.feet = {};  // what the node held and what stood here goes
     report_.match = nullptr;
 }
 
+// A joint that is left alone follows nothing, whatever would correspond to it.
+void RetargetGrade::tellMatches(sg::SkeletonMatch const& match) {
+    std::vector<int> freeSource = match.unmatchedSource, freeTarget = match.unmatchedTarget;
+    for (sg::JointMatch const& pair : match.matches) {
+        bool const isPair = pair.blendSource < 0 && pair.boneSource < 0;
+        if (node_.getRig().targets[std::size_t(pair.target)].isDriven) {
+            matches_.push_back({source_.names[std::size_t(pair.source)], target_.names[std::size_t(pair.target)],
+                                nameOf(pair.basis), pair.confidence, isPair});
+            continue;
+        }
+        freeTarget.push_back(pair.target);
+        if (isPair) freeSource.push_back(pair.source);
+    }
+    std::sort(freeSource.begin(), freeSource.end());
+    std::sort(freeTarget.begin(), freeTarget.end());
+    unmatchedSource_ = source_.namesOf(freeSource);
+    unmatchedTarget_ = target_.namesOf(freeTarget);
+}
+
 std::string RetargetGrade::text() const {
     sg::RetargetReport const& r = report_;
-    std::string text =
-        fmt::format("{}: {} of {} joints matched, confidence {:.2f} on the mean, {:.2f} at least\n",
-                    toUtf8(nameOf(r.verdict)), r.matched, target_.joints.size(), r.meanConfidence, r.leastConfidence);
+    std::string text = fmt::format("{}: {} of {} joints matched, confidence {:.2f} on the mean, {:.2f} at least\n",
+                                   toUtf8(nameOf(r.verdict)), matches_.size(), target_.joints.size(), r.meanConfidence,
+                                   r.leastConfidence);
     for (std::wstring const& reason : r.reasons) text += fmt::format("  {}\n", toUtf8(reason));
     for (Match const& match : matches_)
         text += fmt::format("  {:<20} follows {:<20} {:.2f}  {}\n", match.target, match.source, match.confidence,
@@ -137,7 +152,8 @@ std::string RetargetGrade::json(RetargetVerb const& verb) const {
 std::string RetargetGrade::mapText() const {
     std::string text = "# source\ttarget\tconfidence\tfound by\n";
     for (Match const& match : matches_)
-        text += fmt::format("{}\t{}\t{:.2f}\t{}\n", match.source, match.target, match.confidence, match.basis);
+        text += fmt::format("{}{}\t{}\t{:.2f}\t{}\n", match.isPair ? "" : "# ", match.source, match.target,
+                            match.confidence, match.basis);
     for (std::string const& name : unmatchedTarget_) text += fmt::format("\t{}\n", name);
     return text;
 }

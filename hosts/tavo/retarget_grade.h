@@ -21,12 +21,13 @@ public:
     sg::RetargetReport const& report() const { return report_; }
     std::string text() const;
     std::string json(RetargetVerb const& verb) const;
-    std::string mapText() const;  // as joint_map.h reads it
+    std::string mapText() const;  // as joint_map.h reads it; what is no pair as a remark, so that it is found again
 
 private:
     struct Match {
         std::string source, target, basis;
         double confidence = 0;
+        bool isPair = true;  // no mix of two joints, and no bone in several parts: those no map can tell
     };
     struct Side {
         std::vector<Tavo::XTransform> joints;
@@ -38,6 +39,8 @@ private:
         sg::JointTracks tracks() const { return {joints.size(), positions}; }
         std::vector<std::string> namesOf(std::vector<int> const& indices) const;
     };
+
+    void tellMatches(sg::SkeletonMatch const& match);
 
     sg::RetargetNode& node_;
     Side source_, target_;

@@ -11,8 +11,9 @@ char const* const ikExamples = R"(Examples:
 
 The figure from the root down to the effectors gets a rig, whose handles move to the targets: x, y, z in metres, and
 three angles in degrees where the effector is to stand so too, which turn about x, then y, then z. Both are those of the
-world. A pinned effector stays where it is. A target out of reach gives the nearest pose. The rig stays in the scene that
-is written. The report tells how far each effector is from its target.)";
+world. A pinned effector stays where it is. A root below another joint only turns; the topmost one of a figure moves too,
+unless it is pinned. A target out of reach gives the nearest pose. The rig stays in the scene that is written. The
+report tells how far each effector is from its target. Beyond --max-error the report is all that comes of it.)";
 
 char const* const retargetExamples = R"(Examples:
   tavo retarget walk.bvh --to figure.bvh -o figure_walks.bvh
@@ -24,7 +25,8 @@ char const* const retargetExamples = R"(Examples:
 The figure of --to takes over the motion of CLIP, as far as the two have joints that correspond; its own motion goes. Both
 are thought to stand alike at rest; where they do not, --origin-frame and --to-origin-frame name frames in which they do.
 A map has a line for each pair: the joint of CLIP, a tab, the joint of the figure, and maybe more after another tab. Joints
-that a map does not name are matched by themselves; a line with nothing before the tab leaves that joint alone.
+that a map does not name are matched by themselves; a line with nothing before the tab leaves that joint alone. Lines that
+begin with # are remarks: so --write-map tells what no pair can say, a joint that follows a mix of two.
 
 The report tells the matches with how sure they are (1 is certain), joints without one, and of the result: how far the
 feet slide while they stand, how deep a joint goes below the ground, limits that were hit. A gate that is missed writes

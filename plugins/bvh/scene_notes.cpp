@@ -17,7 +17,12 @@ constexpr XWord nameNote = L"BvhName", channelsNote = L"BvhChannels", offsetNote
                 endSitesNote = L"BvhEndSites", frameTimeNote = L"BvhFrameTime", unitNote = L"BvhUnit",
                 positionsNote = L"BvhPositions";
 
-void put(XJoint& joint, XWord const& name, std::string const& text) { joint.AddStringAttribute(name, fromUtf8(text)); }
+void put(XJoint& joint, XWord const& name, std::string const& text) {
+    if (joint.HasAttribute(name))
+        joint.Attribute(name).SetString(fromUtf8(text));
+    else
+        joint.AddStringAttribute(name, fromUtf8(text));
+}
 
 std::optional<std::string> get(XJoint const& joint, XWord const& name) {
     if (!joint.HasAttribute(name)) return {};
