@@ -123,12 +123,13 @@ double limbScore(Shape const& shape, std::vector<double> const& along, std::vect
            0.15 * shorter * (skipped + reach);
 }
 
+// Of a way of three joints and more. Where lengths are beyond all measure no choice is better than the first.
 BodyAnchors::Limb limbOf(Shape const& shape, Way const& whole) {
     std::vector<int> const way(whole.joints.begin(),
                                whole.joints.begin() + long(std::min<std::size_t>(whole.joints.size(), 24)));
     std::vector<double> along{0};
     for (std::size_t i = 1; i < way.size(); ++i) along.push_back(along.back() + shape.bone(way[i]));
-    BodyAnchors::Limb best;
+    BodyAnchors::Limb best{way[0], way[1], way[2]};
     double bestScore = -1e300;
     for (std::size_t a = 0; a + 2 < way.size(); ++a)
         for (std::size_t b = a + 1; b + 1 < way.size(); ++b)
