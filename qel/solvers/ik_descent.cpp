@@ -7,12 +7,15 @@ namespace {
 constexpr double largestTurn = 1.0;    // radians, of a joint in one step: the model says nothing further away
 constexpr int mostRounds = 2;          // of finding out which borders hold a step; the next iteration goes on
 constexpr double firstDamping = 0.05;  // of the largest diagonal number
+constexpr double leastShare = 1e-6;    // of that number, where the damping has to outdo a curvature
+constexpr double leastRadius = 0.05;   // radians, of a border
+constexpr int mostCurved = 300;        // unknowns: more would cost too much
 constexpr double leastDamping = 1e-12, mostDamping = 1e12;
 // An eager run gives up when an iteration leaves more than this of a cost that is still far, or three of one that is
 // not.
 constexpr double slowFall = 0.9, farCost = 1e-2;
-// A patient one when so many in turn come to less than this, in radians.
-constexpr double idleStep = 2e-4;
+// A patient one when so many in turn come to less than this, in radians or of the cost.
+constexpr double idleStep = 2e-4, idleFall = 1e-6;
 constexpr int mostIdle = 5;
 
 Vec3 at(std::vector<double> const& v, std::size_t block) { return {v[3 * block], v[3 * block + 1], v[3 * block + 2]}; }
@@ -99,6 +102,7 @@ bool Descent::release() {
     addProduct(tasks, step_, model_);
     for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = damping_ * (step_[i] - pull_[i]);
     addTransposed(tasks, model_, gradient_);
+    if (isCurved_) curvature_.addProduct(step_, gradient_);
     std::size_t const before = held_.size();
     std::erase_if(held_, [&](Held const& h) { return !h.isFixed && dot(h.across, at(gradient_, h.block)) > 0; });
     return held_.size() < before;
@@ -120,6 +124,7 @@ void Descent::close(Held& held) {
     held.across = normal = normal * (1 / rest);
     room /= rest;
     closed_[b].push_back(normal);
+    if (isCurved_) open_.close(b, normal);
     put(fixed_, b, at(fixed_, b) + normal * room);
     put(free_, b, at(free_, b) - normal * dot(normal, at(free_, b)));
     for (std::size_t e = tasks.firstEntry[b]; e < tasks.firstEntry[b + 1]; ++e) {
@@ -139,9 +144,10 @@ void Descent::closeAll() {
     free_ = pull_;
     std::fill(fixed_.begin(), fixed_.end(), 0);
     for (std::vector<Vec3>& c : closed_) c.clear();
+    if (isCurved_) open_ = curvature_;
     for (Held& h : held_) close(h);
     tasks.jacobian.swap(projected_);
-    linear_.form(tasks);
+    linear_.form(tasks, isCurved_ ? &open_ : nullptr);
     tasks.jacobian.swap(projected_);
 }
 
@@ -160,8 +166,22 @@ void Descent::computePull() {
     }
 }
 
+// A step along the border of the swings is brought back to it: the more the tasks press outwards there, the more it
+// costs. The border is taken as a circle about the middle.
+void Descent::bendBorders(double steepness) {
+    for (Held const& h : held_) {
+        if (h.isFixed || h.bound.isTwist) continue;
+        Vec3 const scale = tasks.blocks[h.block].scale;
+        double const pressure = dot(unscaled(at(gradient_, h.block), scale), h.bound.normal) * steepness;
+        LimitState const& state = limits_[h.block];
+        double const radius = std::max(leastRadius, std::hypot(state.at.swing1, state.at.swing2));
+        if (pressure > 0) curvature_.addRound(h.block, scaled(scale, scale) * (pressure / radius));
+    }
+}
+
 void Descent::linearise() {
     tasks.linearise(skeleton);
+    if (isCurved_) curvature_.form(tasks, skeleton);
     std::fill(gradient_.begin(), gradient_.end(), 0);
     addTransposed(tasks, tasks.residual, gradient_);
     computePull();
@@ -170,13 +190,26 @@ void Descent::linearise() {
     for (double g : gradient_) largest = std::max(largest, std::abs(g));
     for (double& g : gradient_) g *= largest > 0 ? -1e-6 / largest : 0;
     hold(gradient_);
+    if (isCurved_) bendBorders(largest / 1e-6);
     closeAll();
+}
+
+// The pull, and what the bending makes of the part of the step that is decided.
+std::vector<double> const& Descent::bentFree() {
+    if (!isCurved_) return free_;
+    gradient_.assign(free_.size(), 0);
+    curvature_.addProduct(fixed_, gradient_);
+    for (std::size_t b = 0; b < closed_.size(); ++b)
+        for (Vec3 const& c : closed_[b]) put(gradient_, b, at(gradient_, b) - c * dot(c, at(gradient_, b)));
+    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = free_[i] - gradient_[i] / damping_;
+    return gradient_;
 }
 
 void Descent::computeStep() {
     for (int again = 0;; ++again) {
         tasks.jacobian.swap(projected_);
-        linear_.solve(tasks, right_, damping_, free_, step_);
+        while (!linear_.solve(tasks, right_, damping_, bentFree(), step_))
+            damping_ = std::max(4 * damping_, leastShare * linear_.largestDiagonal());
         tasks.jacobian.swap(projected_);
         for (std::size_t i = 0; i < step_.size(); ++i) step_[i] += fixed_[i];
         if (again == mostRounds) break;
@@ -216,7 +249,7 @@ double Descent::predicted(double before) {
     addProduct(tasks, change_, residual_);
     double after = 0;
     for (double r : residual_) after += r * r / 2;
-    return before - after;
+    return before - after - (isCurved_ ? curvature_.along(change_) / 2 : 0);
 }
 
 // One linear model and its step, taken if it is for the better.
@@ -246,10 +279,18 @@ bool Descent::isSlow(double before) {
     return slow_ >= (tasks.cost > farCost ? 1 : 3);
 }
 
+// Where least squares no longer fall fast, what is left is large and its bending counts.
+void Descent::bend(double before) {
+    if (isCurved_ || tasks.cost < slowFall * before || tasks.columnCount() > mostCurved) return;
+    isCurved_ = true;
+    damping_ = 0;
+    growth_ = 2;
+}
+
 bool Descent::isIdle(double before) {
     double largest = 0;
     for (double c : change_) largest = std::max(largest, std::abs(c));
-    bool const moves = tasks.cost < before && largest > idleStep;
+    bool const moves = tasks.cost < (1 - idleFall) * before && largest > idleStep;
     idle_ = moves ? 0 : idle_ + 1;
     return idle_ >= mostIdle || damping_ > mostDamping;
 }
@@ -258,10 +299,12 @@ bool Descent::run(int most, bool isEager) {
     damping_ = 0;
     growth_ = 2;
     slow_ = idle_ = 0;
+    isCurved_ = false;
     for (; !isDone() && most > 0; --most) {
         double const before = tasks.cost;
         iterate(before);
         if (isEager && !isReached() ? isSlow(before) : isIdle(before)) break;
+        if (!isEager) bend(before);
     }
     return isReached();
 }

@@ -53,11 +53,14 @@ private:
     void close(Held& held);
     void closeAll();
     void computePull();
+    void bendBorders(double steepness);
+    std::vector<double> const& bentFree();
     void computeStep();
     void apply();
     double predicted(double before);
     bool iterate(double before);
     bool isSlow(double before);
+    void bend(double before);
     bool isIdle(double before);
 
     LinearStep linear_;
@@ -66,6 +69,8 @@ private:
     std::vector<LimitState> limits_;         // of each block
     std::vector<double> gradient_, pull_, fixed_, step_, change_, right_, model_, projected_, residual_, free_;
     std::vector<Held> held_;
+    Curvature curvature_, open_;  // whole, and of what is not held
+    bool isCurved_ = false;
     double damping_ = 0, growth_ = 2;
     int slow_ = 0, idle_ = 0;
 };

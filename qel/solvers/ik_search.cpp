@@ -231,7 +231,7 @@ bool Search::giveWay(int most, bool isEager) {
 }
 
 // From poses near the best one found. What is not reached in the end goes on from where the first attempt stopped, so
-// that a target out of reach gives the pose that it would give without all this.
+// that a target out of reach gives the pose that it would give without all this; only a much better one is taken.
 bool Search::searchElsewhere(IKSolver& solver) {
     std::uint64_t random = 0;
     double least = descent_.tasks.cost;
@@ -250,6 +250,9 @@ bool Search::searchElsewhere(IKSolver& solver) {
         comeBackTo(best_);
     }
     comeBackTo(first_);
+    if (descent_.run(left(), false)) return true;
+    if (least >= muchBetter * descent_.tasks.cost) return false;
+    comeBackTo(best_);
     return descent_.run(left(), false);
 }
 
