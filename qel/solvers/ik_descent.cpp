@@ -34,7 +34,7 @@ void Descent::setUp() {
     linear_.setUp(tasks);
     closed_.resize(tasks.blocks.size());
     limits_.resize(tasks.blocks.size());
-    for (std::vector<double>* v : {&gradient_, &pull_, &step_, &change_, &fixed_, &free_}) v->assign(n, 0);
+    for (std::vector<double>* v : {&gradient_, &pull_, &tied_, &step_, &change_, &fixed_, &free_}) v->assign(n, 0);
     iterations = 0;
 }
 
@@ -103,6 +103,7 @@ bool Descent::release() {
     for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = damping_ * (step_[i] - pull_[i]);
     addTransposed(tasks, model_, gradient_);
     if (isCurved_) curvature_.addProduct(step_, gradient_);
+    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] += tied_[i];
     std::size_t const before = held_.size();
     std::erase_if(held_, [&](Held const& h) { return !h.isFixed && dot(h.across, at(gradient_, h.block)) > 0; });
     return held_.size() < before;
@@ -153,6 +154,13 @@ void Descent::closeAll() {
 
 // ---- one iteration ----
 
+// In unknowns.
+Vec3 Descent::away(Block const& block) const {
+    if (block.isTranslation) return {};
+    Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
+    return unscaled(logarithm(preferred.turns[std::size_t(block.joint)] * transposed(turn)), block.scale);
+}
+
 void Descent::computePull() {
     std::fill(pull_.begin(), pull_.end(), 0);
     if (preference <= 0 || preferred.turns.size() != skeleton.joints.size()) return;
@@ -160,10 +168,27 @@ void Descent::computePull() {
     for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
         Block const& block = tasks.blocks[b];
         if (block.isTranslation) continue;
-        Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
-        Vec3 const away = logarithm(preferred.turns[std::size_t(block.joint)] * transposed(turn));
-        put(pull_, b, unscaled(away, block.scale) * share);
+        put(pull_, b, away(block) * share);
     }
+}
+
+// What ties the joints to the preferred pose: it decides where far targets leave a choice, such as how a straight arm
+// is twisted, which would else depend on the way there.
+void Descent::pullTie() {
+    std::fill(tied_.begin(), tied_.end(), 0);
+    for (std::size_t b = 0; tie_ > 0 && b < tasks.blocks.size(); ++b) {
+        put(tied_, b, away(tasks.blocks[b]) * -tie_);
+        curvature_.addRound(b, Vec3{tie_, tie_, tie_});
+    }
+}
+
+double Descent::merit() const {
+    double sum = tasks.cost;
+    for (std::size_t b = 0; tie_ > 0 && b < tasks.blocks.size(); ++b) {
+        Vec3 const v = away(tasks.blocks[b]);
+        sum += tie_ / 2 * dot(v, v);
+    }
+    return sum;
 }
 
 // A step along the border of the swings is brought back to it: the more the tasks press outwards there, the more it
@@ -182,7 +207,8 @@ void Descent::bendBorders(double steepness) {
 void Descent::linearise() {
     tasks.linearise(skeleton);
     if (isCurved_) curvature_.form(tasks, skeleton);
-    std::fill(gradient_.begin(), gradient_.end(), 0);
+    pullTie();
+    gradient_ = tied_;
     addTransposed(tasks, tasks.residual, gradient_);
     computePull();
     measureLimits();
@@ -197,7 +223,7 @@ void Descent::linearise() {
 // The pull, and what the bending makes of the part of the step that is decided.
 std::vector<double> const& Descent::bentFree() {
     if (!isCurved_) return free_;
-    gradient_.assign(free_.size(), 0);
+    gradient_ = tied_;
     curvature_.addProduct(fixed_, gradient_);
     for (std::size_t b = 0; b < closed_.size(); ++b)
         for (Vec3 const& c : closed_[b]) put(gradient_, b, at(gradient_, b) - c * dot(c, at(gradient_, b)));
@@ -247,9 +273,10 @@ void Descent::apply() {
 // By how much the model says that the cost falls. The residuals are those from before the step.
 double Descent::predicted(double before) {
     addProduct(tasks, change_, residual_);
-    double after = 0;
-    for (double r : residual_) after += r * r / 2;
-    return before - after - (isCurved_ ? curvature_.along(change_) / 2 : 0);
+    double fall = before;
+    for (double r : residual_) fall -= r * r / 2;
+    for (std::size_t i = 0; i < change_.size(); ++i) fall -= tied_[i] * change_[i];
+    return fall - (isCurved_ ? curvature_.along(change_) / 2 : 0);
 }
 
 // One linear model and its step, taken if it is for the better.
@@ -258,11 +285,12 @@ bool Descent::iterate(double before) {
     if (damping_ <= 0) damping_ = firstDamping * linear_.largestDiagonal() + leastDamping;
     skeleton.keep(kept_);
     residual_ = tasks.residual;
+    double const modelled = tasks.cost;
     computeStep();
     apply();
     ++iterations;
-    if (tasks.cost < before) {
-        double const ratio = (before - tasks.cost) / std::max(predicted(before), 1e-300);
+    if (double const after = merit(); after < before) {
+        double const ratio = (before - after) / std::max(predicted(modelled), 1e-300);
         damping_ = std::max(leastDamping, damping_ * std::max(1.0 / 3, 1 - std::pow(2 * ratio - 1, 3)));
         growth_ = 2;
         return true;
@@ -281,7 +309,7 @@ bool Descent::isSlow(double before) {
 
 // Where least squares no longer fall fast, what is left is large and its bending counts.
 void Descent::bend(double before) {
-    if (isCurved_ || tasks.cost < slowFall * before || tasks.columnCount() > mostCurved) return;
+    if (isCurved_ || merit() < slowFall * before || tasks.columnCount() > mostCurved) return;
     isCurved_ = true;
     damping_ = 0;
     growth_ = 2;
@@ -290,7 +318,7 @@ void Descent::bend(double before) {
 bool Descent::isIdle(double before) {
     double largest = 0;
     for (double c : change_) largest = std::max(largest, std::abs(c));
-    bool const moves = tasks.cost < (1 - idleFall) * before && largest > idleStep;
+    bool const moves = merit() < (1 - idleFall) * before && largest > idleStep;
     idle_ = moves ? 0 : idle_ + 1;
     return idle_ >= mostIdle || damping_ > mostDamping;
 }
@@ -300,8 +328,10 @@ bool Descent::run(int most, bool isEager) {
     growth_ = 2;
     slow_ = idle_ = 0;
     isCurved_ = false;
+    tie_ = 0;
     for (; !isDone() && most > 0; --most) {
-        double const before = tasks.cost;
+        tie_ = isCurved_ ? tie * std::min(tasks.cost, std::sqrt(tasks.cost)) : 0;
+        double const before = merit();
         iterate(before);
         if (isEager && !isReached() ? isSlow(before) : isIdle(before)) break;
         if (!isEager) bend(before);
