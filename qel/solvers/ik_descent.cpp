@@ -7,12 +7,15 @@ namespace {
 constexpr double largestTurn = 1.0;    // radians, of a joint in one step: the model says nothing further away
 constexpr int mostRounds = 2;          // of finding out which borders hold a step; the next iteration goes on
 constexpr double firstDamping = 0.05;  // of the largest diagonal number
+constexpr double leastShare = 1e-6;    // of that number, where the damping has to outdo a curvature
+constexpr double leastRadius = 0.05;   // radians, of a border
+constexpr int mostCurved = 300;        // unknowns: more would cost too much
 constexpr double leastDamping = 1e-12, mostDamping = 1e12;
 // An eager run gives up when an iteration leaves more than this of a cost that is still far, or three of one that is
 // not.
 constexpr double slowFall = 0.9, farCost = 1e-2;
-// A patient one when so many in turn come to less than this, in radians.
-constexpr double idleStep = 2e-4;
+// A patient one when so many in turn come to less than this, in radians or of the cost.
+constexpr double idleStep = 2e-4, idleFall = 1e-6;
 constexpr int mostIdle = 5;
 
 Vec3 at(std::vector<double> const& v, std::size_t block) { return {v[3 * block], v[3 * block + 1], v[3 * block + 2]}; }
@@ -31,7 +34,7 @@ void Descent::setUp() {
     linear_.setUp(tasks);
     closed_.resize(tasks.blocks.size());
     limits_.resize(tasks.blocks.size());
-    for (std::vector<double>* v : {&gradient_, &pull_, &step_, &change_, &fixed_, &free_}) v->assign(n, 0);
+    for (std::vector<double>* v : {&gradient_, &pull_, &tied_, &step_, &change_, &fixed_, &free_}) v->assign(n, 0);
     iterations = 0;
 }
 
@@ -99,6 +102,8 @@ bool Descent::release() {
     addProduct(tasks, step_, model_);
     for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = damping_ * (step_[i] - pull_[i]);
     addTransposed(tasks, model_, gradient_);
+    if (isCurved_) curvature_.addProduct(step_, gradient_);
+    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] += tied_[i];
     std::size_t const before = held_.size();
     std::erase_if(held_, [&](Held const& h) { return !h.isFixed && dot(h.across, at(gradient_, h.block)) > 0; });
     return held_.size() < before;
@@ -120,6 +125,7 @@ void Descent::close(Held& held) {
     held.across = normal = normal * (1 / rest);
     room /= rest;
     closed_[b].push_back(normal);
+    if (isCurved_) open_.close(b, normal);
     put(fixed_, b, at(fixed_, b) + normal * room);
     put(free_, b, at(free_, b) - normal * dot(normal, at(free_, b)));
     for (std::size_t e = tasks.firstEntry[b]; e < tasks.firstEntry[b + 1]; ++e) {
@@ -139,13 +145,21 @@ void Descent::closeAll() {
     free_ = pull_;
     std::fill(fixed_.begin(), fixed_.end(), 0);
     for (std::vector<Vec3>& c : closed_) c.clear();
+    if (isCurved_) open_ = curvature_;
     for (Held& h : held_) close(h);
     tasks.jacobian.swap(projected_);
-    linear_.form(tasks);
+    linear_.form(tasks, isCurved_ ? &open_ : nullptr);
     tasks.jacobian.swap(projected_);
 }
 
 // ---- one iteration ----
+
+// In unknowns.
+Vec3 Descent::away(Block const& block) const {
+    if (block.isTranslation) return {};
+    Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
+    return unscaled(logarithm(preferred.turns[std::size_t(block.joint)] * transposed(turn)), block.scale);
+}
 
 void Descent::computePull() {
     std::fill(pull_.begin(), pull_.end(), 0);
@@ -154,15 +168,47 @@ void Descent::computePull() {
     for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
         Block const& block = tasks.blocks[b];
         if (block.isTranslation) continue;
-        Mat3 const& turn = skeleton.joints[std::size_t(block.joint)].turn;
-        Vec3 const away = logarithm(preferred.turns[std::size_t(block.joint)] * transposed(turn));
-        put(pull_, b, unscaled(away, block.scale) * share);
+        put(pull_, b, away(block) * share);
+    }
+}
+
+// What ties the joints to the preferred pose: it decides where far targets leave a choice, such as how a straight arm
+// is twisted, which would else depend on the way there.
+void Descent::pullTie() {
+    std::fill(tied_.begin(), tied_.end(), 0);
+    for (std::size_t b = 0; tie_ > 0 && b < tasks.blocks.size(); ++b) {
+        put(tied_, b, away(tasks.blocks[b]) * -tie_);
+        curvature_.addRound(b, Vec3{tie_, tie_, tie_});
+    }
+}
+
+double Descent::merit() const {
+    double sum = tasks.cost;
+    for (std::size_t b = 0; tie_ > 0 && b < tasks.blocks.size(); ++b) {
+        Vec3 const v = away(tasks.blocks[b]);
+        sum += tie_ / 2 * dot(v, v);
+    }
+    return sum;
+}
+
+// A step along the border of the swings is brought back to it: the more the tasks press outwards there, the more it
+// costs. The border is taken as a circle about the middle.
+void Descent::bendBorders(double steepness) {
+    for (Held const& h : held_) {
+        if (h.isFixed || h.bound.isTwist) continue;
+        Vec3 const scale = tasks.blocks[h.block].scale;
+        double const pressure = dot(unscaled(at(gradient_, h.block), scale), h.bound.normal) * steepness;
+        LimitState const& state = limits_[h.block];
+        double const radius = std::max(leastRadius, std::hypot(state.at.swing1, state.at.swing2));
+        if (pressure > 0) curvature_.addRound(h.block, scaled(scale, scale) * (pressure / radius));
     }
 }
 
 void Descent::linearise() {
     tasks.linearise(skeleton);
-    std::fill(gradient_.begin(), gradient_.end(), 0);
+    if (isCurved_) curvature_.form(tasks, skeleton);
+    pullTie();
+    gradient_ = tied_;
     addTransposed(tasks, tasks.residual, gradient_);
     computePull();
     measureLimits();
@@ -170,13 +216,26 @@ void Descent::linearise() {
     for (double g : gradient_) largest = std::max(largest, std::abs(g));
     for (double& g : gradient_) g *= largest > 0 ? -1e-6 / largest : 0;
     hold(gradient_);
+    if (isCurved_) bendBorders(largest / 1e-6);
     closeAll();
+}
+
+// The pull, and what the bending makes of the part of the step that is decided.
+std::vector<double> const& Descent::bentFree() {
+    if (!isCurved_) return free_;
+    gradient_ = tied_;
+    curvature_.addProduct(fixed_, gradient_);
+    for (std::size_t b = 0; b < closed_.size(); ++b)
+        for (Vec3 const& c : closed_[b]) put(gradient_, b, at(gradient_, b) - c * dot(c, at(gradient_, b)));
+    for (std::size_t i = 0; i < gradient_.size(); ++i) gradient_[i] = free_[i] - gradient_[i] / damping_;
+    return gradient_;
 }
 
 void Descent::computeStep() {
     for (int again = 0;; ++again) {
         tasks.jacobian.swap(projected_);
-        linear_.solve(tasks, right_, damping_, free_, step_);
+        while (!linear_.solve(tasks, right_, damping_, bentFree(), step_))
+            damping_ = std::max(4 * damping_, leastShare * linear_.largestDiagonal());
         tasks.jacobian.swap(projected_);
         for (std::size_t i = 0; i < step_.size(); ++i) step_[i] += fixed_[i];
         if (again == mostRounds) break;
@@ -214,9 +273,10 @@ void Descent::apply() {
 // By how much the model says that the cost falls. The residuals are those from before the step.
 double Descent::predicted(double before) {
     addProduct(tasks, change_, residual_);
-    double after = 0;
-    for (double r : residual_) after += r * r / 2;
-    return before - after;
+    double fall = before;
+    for (double r : residual_) fall -= r * r / 2;
+    for (std::size_t i = 0; i < change_.size(); ++i) fall -= tied_[i] * change_[i];
+    return fall - (isCurved_ ? curvature_.along(change_) / 2 : 0);
 }
 
 // One linear model and its step, taken if it is for the better.
@@ -225,11 +285,12 @@ bool Descent::iterate(double before) {
     if (damping_ <= 0) damping_ = firstDamping * linear_.largestDiagonal() + leastDamping;
     skeleton.keep(kept_);
     residual_ = tasks.residual;
+    double const modelled = tasks.cost;
     computeStep();
     apply();
     ++iterations;
-    if (tasks.cost < before) {
-        double const ratio = (before - tasks.cost) / std::max(predicted(before), 1e-300);
+    if (double const after = merit(); after < before) {
+        double const ratio = (before - after) / std::max(predicted(modelled), 1e-300);
         damping_ = std::max(leastDamping, damping_ * std::max(1.0 / 3, 1 - std::pow(2 * ratio - 1, 3)));
         growth_ = 2;
         return true;
@@ -246,10 +307,18 @@ bool Descent::isSlow(double before) {
     return slow_ >= (tasks.cost > farCost ? 1 : 3);
 }
 
+// Where least squares no longer fall fast, what is left is large and its bending counts.
+void Descent::bend(double before) {
+    if (isCurved_ || merit() < slowFall * before || tasks.columnCount() > mostCurved) return;
+    isCurved_ = true;
+    damping_ = 0;
+    growth_ = 2;
+}
+
 bool Descent::isIdle(double before) {
     double largest = 0;
     for (double c : change_) largest = std::max(largest, std::abs(c));
-    bool const moves = tasks.cost < before && largest > idleStep;
+    bool const moves = merit() < (1 - idleFall) * before && largest > idleStep;
     idle_ = moves ? 0 : idle_ + 1;
     return idle_ >= mostIdle || damping_ > mostDamping;
 }
@@ -258,10 +327,14 @@ bool Descent::run(int most, bool isEager) {
     damping_ = 0;
     growth_ = 2;
     slow_ = idle_ = 0;
+    isCurved_ = false;
+    tie_ = 0;
     for (; !isDone() && most > 0; --most) {
-        double const before = tasks.cost;
+        tie_ = isCurved_ ? tie * std::min(tasks.cost, std::sqrt(tasks.cost)) : 0;
+        double const before = merit();
         iterate(before);
         if (isEager && !isReached() ? isSlow(before) : isIdle(before)) break;
+        if (!isEager) bend(before);
     }
     return isReached();
 }

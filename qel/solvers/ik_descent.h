@@ -27,6 +27,7 @@ public:
     Accuracy accuracy;
     Pose preferred;         // turns that the joints go to where nothing else decides
     double preference = 0;  // of the way there, in each iteration
+    double tie = 0;         // to them where targets are far, as a part of how much these bend the cost
     int iterations = 0;     // taken, all in all
 
     void setUp();        // after the parts are filled
@@ -52,21 +53,29 @@ private:
     bool release();
     void close(Held& held);
     void closeAll();
+    Vec3 away(Block const& block) const;
     void computePull();
+    void bendBorders(double steepness);
+    std::vector<double> const& bentFree();
     void computeStep();
     void apply();
+    void pullTie();
+    double merit() const;
     double predicted(double before);
     bool iterate(double before);
     bool isSlow(double before);
+    void bend(double before);
     bool isIdle(double before);
 
     LinearStep linear_;
     Pose kept_;
     std::vector<std::vector<Vec3>> closed_;  // of each block: orthonormal directions that are decided
     std::vector<LimitState> limits_;         // of each block
-    std::vector<double> gradient_, pull_, fixed_, step_, change_, right_, model_, projected_, residual_, free_;
+    std::vector<double> gradient_, pull_, tied_, fixed_, step_, change_, right_, model_, projected_, residual_, free_;
     std::vector<Held> held_;
-    double damping_ = 0, growth_ = 2;
+    Curvature curvature_, open_;  // whole, and of what is not held
+    bool isCurved_ = false;
+    double damping_ = 0, growth_ = 2, tie_ = 0;
     int slow_ = 0, idle_ = 0;
 };
 

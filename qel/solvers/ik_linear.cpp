@@ -23,21 +23,26 @@ void addTransposed(Tasks const& tasks, std::vector<double> const& x, std::vector
 }
 
 void LinearStep::setUp(Tasks const& tasks) {
-    byTasks_ = tasks.rowCount() <= tasks.columnCount();
-    size_ = std::size_t(byTasks_ ? tasks.rowCount() : tasks.columnCount());
-    matrix_.assign(size_ * size_, 0);
-    factor_.assign(size_ * size_, 0);
-    right_.assign(std::size_t(std::max(tasks.rowCount(), tasks.columnCount())), 0);
-    entriesOfTask_.assign(byTasks_ ? 0 : tasks.effectors.size() + tasks.poles.size(), {});
-    for (std::size_t e = 0; !byTasks_ && e < tasks.entries.size(); ++e)
+    makeRoom(tasks, tasks.rowCount() <= tasks.columnCount());
+    entriesOfTask_.assign(tasks.effectors.size() + tasks.poles.size(), {});
+    for (std::size_t e = 0; e < tasks.entries.size(); ++e)
         entriesOfTask_[std::size_t(tasks.entries[e].task)].push_back(e);
 }
 
-void LinearStep::form(Tasks const& tasks) {
-    std::fill(matrix_.begin(), matrix_.end(), 0);
+void LinearStep::makeRoom(Tasks const& tasks, bool byTasks) {
+    byTasks_ = byTasks;
+    size_ = std::size_t(byTasks_ ? tasks.rowCount() : tasks.columnCount());
+    matrix_.assign(size_ * size_, 0);
+    factor_.resize(size_ * size_);
+}
+
+void LinearStep::form(Tasks const& tasks, Curvature const* curvature) {
+    isCurved_ = curvature;
+    makeRoom(tasks, !isCurved_ && tasks.rowCount() <= tasks.columnCount());
     byTasks_ ? formByTasks(tasks) : formByUnknowns(tasks);
     largest_ = 0;
     for (std::size_t i = 0; i < size_; ++i) largest_ = std::max(largest_, matrix_[i * size_ + i]);
+    if (isCurved_) curvature->addTo(matrix_);
 }
 
 // Tasks share the blocks above the joint where their ways part. Entries of a block stand in the order of their tasks,
@@ -71,9 +76,9 @@ void LinearStep::formByUnknowns(Tasks const& tasks) {
             }
 }
 
-void LinearStep::solve(Tasks const& tasks, std::vector<double> const& residual, double damping,
+bool LinearStep::solve(Tasks const& tasks, std::vector<double> const& residual, double damping,
                        std::vector<double> const& pull, std::vector<double>& step) {
-    factor(damping);
+    if (!factor(damping)) return false;
     if (byTasks_) {
         right_ = residual;
         addProduct(tasks, pull, right_);
@@ -87,10 +92,11 @@ void LinearStep::solve(Tasks const& tasks, std::vector<double> const& residual, 
         for (std::size_t i = 0; i < step.size(); ++i) step[i] = damping * pull[i] - step[i];
         substitute(step);
     }
+    return true;
 }
 
-// With damping a pivot cannot vanish but by rounding; the floor keeps a system of huge contrasts finite.
-void LinearStep::factor(double damping) {
+// Without curvature a pivot cannot vanish but by rounding; the floor keeps a system of huge contrasts finite.
+bool LinearStep::factor(double damping) {
     double const floor = 1e-15 * (largest_ + damping);
     for (std::size_t i = 0; i < size_; ++i) {
         double* row = factor_.data() + i * size_;
@@ -103,8 +109,10 @@ void LinearStep::factor(double damping) {
         }
         double sum = from[i] + damping;
         for (std::size_t k = 0; k < i; ++k) sum -= row[k] * row[k];
+        if (isCurved_ && !(sum > floor)) return false;
         row[i] = 1 / std::sqrt(std::max(sum, floor));  // the inverse: only divisions by it follow
     }
+    return true;
 }
 
 void LinearStep::substitute(std::vector<double>& b) const {

@@ -141,6 +141,7 @@ constexpr double limbRange = 0.5, bodyRange = 0.8;       // of the room in the l
 constexpr int limbsOnly = 3;  // attempts, before all of the body is stirred every second time
 constexpr int mostAttempts = 60;
 constexpr double bendRadians = 0.05, muchBetter = 0.9;
+constexpr double tieShare = 3e-3;
 
 // A number in [-1, 1). Steele, Lea and Flood, "Fast splittable pseudorandom number generators", OOPSLA (2014).
 double next(std::uint64_t& state) {
@@ -231,7 +232,7 @@ bool Search::giveWay(int most, bool isEager) {
 }
 
 // From poses near the best one found. What is not reached in the end goes on from where the first attempt stopped, so
-// that a target out of reach gives the pose that it would give without all this.
+// that a target out of reach gives the pose that it would give without all this; only a much better one is taken.
 bool Search::searchElsewhere(IKSolver& solver) {
     std::uint64_t random = 0;
     double least = descent_.tasks.cost;
@@ -250,6 +251,10 @@ bool Search::searchElsewhere(IKSolver& solver) {
         comeBackTo(best_);
     }
     comeBackTo(first_);
+    descent_.tie = tieShare;
+    if (descent_.run(left(), false)) return true;
+    if (least >= muchBetter * descent_.tasks.cost) return false;
+    comeBackTo(best_);
     return descent_.run(left(), false);
 }
 
@@ -267,6 +272,7 @@ void Search::run(IKSolver& solver) {
     descent_.enterLimits();
     if (solver.maxIterations > 0 && !descent_.isReached()) relax();
     descent_.skeleton.keep(first_);
+    descent_.tie = 0;
     solver.attempts = 1;
     solver.isReached = descent_.run(solver.maxIterations, !goesOn) || giveWay(solver.maxIterations, !goesOn);
     if (!solver.isReached) solver.isReached = goesOn ? isStuck() && bend(solver) : searchElsewhere(solver);
