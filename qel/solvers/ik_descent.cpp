@@ -309,7 +309,7 @@ bool Descent::isSlow(double before) {
 
 // Where least squares no longer fall fast, what is left is large and its bending counts.
 void Descent::bend(double before) {
-    if (isCurved_ || merit() < slowFall * before || tasks.columnCount() > mostCurved) return;
+    if (isCurved_ || tasks.cost < farCost || merit() < slowFall * before || tasks.columnCount() > mostCurved) return;
     isCurved_ = true;
     damping_ = 0;
     growth_ = 2;

@@ -251,7 +251,6 @@ bool Search::searchElsewhere(IKSolver& solver) {
         comeBackTo(best_);
     }
     comeBackTo(first_);
-    descent_.tie = tieShare;
     if (descent_.run(left(), false)) return true;
     if (least >= muchBetter * descent_.tasks.cost) return false;
     comeBackTo(best_);
@@ -266,13 +265,14 @@ void Search::run(IKSolver& solver) {
     setUpPreference(solver);
     bool const goesOn = solver.previous.size() >= solver.geometry.size();
     if (goesOn) descent_.skeleton.setPose(solver.previous);
+    if (goesOn && descent_.preference <= 0) descent_.skeleton.keep(descent_.preferred);
+    descent_.tie = tieShare;
     descent_.accuracy = {solver.positionAccuracy, solver.orientationAccuracy};
     descent_.tasks.setUp(descent_.skeleton, size_);
     descent_.setUp();
     descent_.enterLimits();
-    if (solver.maxIterations > 0 && !descent_.isReached()) relax();
+    if (solver.maxIterations > 0 && !goesOn && !descent_.isReached()) relax();
     descent_.skeleton.keep(first_);
-    descent_.tie = 0;
     solver.attempts = 1;
     solver.isReached = descent_.run(solver.maxIterations, !goesOn) || giveWay(solver.maxIterations, !goesOn);
     if (!solver.isReached) solver.isReached = goesOn ? isStuck() && bend(solver) : searchElsewhere(solver);

@@ -119,6 +119,59 @@ TEST_F(TasksTest, GiveTheLinearStepThatSolvesItsNormalEquations) {
     }
 }
 
+// The second derivative of the cost along any move of all joints at once.
+TEST_F(TasksTest, BendByTheCurvatureAsTheDifferencesOfTheCostDo) {
+    for (bool isMirrored : {false, true}) {
+        setUp(0, isMirrored);
+        tasks.poles.clear();
+        tasks.effectors[0].orientationWeight = 0;
+        tasks.setUp(skeleton, 0.8);
+        Pose pose;
+        skeleton.keep(pose);
+        std::vector<double> x(std::size_t(tasks.columnCount())), flat;
+        for (double& v : x) v = random.between(-1, 1);
+        auto const costAt = [&](double t) {
+            for (std::size_t b = 0; b < tasks.blocks.size(); ++b) {
+                Block const& block = tasks.blocks[b];
+                Vec3 move{x[3 * b] * block.scale.x, x[3 * b + 1] * block.scale.y, x[3 * b + 2] * block.scale.z};
+                if (block.isTranslation)
+                    skeleton.joints[0].place += move * t;
+                else
+                    skeleton.turnBy(block.joint, move * t);
+            }
+            skeleton.place();
+            tasks.evaluate(skeleton);
+            skeleton.restore(pose);
+            return tasks.cost;
+        };
+        double const d = 1e-4, ahead = costAt(d), back = costAt(-d), here = costAt(0);
+        tasks.linearise(skeleton);
+        flat.assign(tasks.residual.size(), 0);
+        addProduct(tasks, x, flat);
+        Curvature curvature;
+        curvature.form(tasks, skeleton);
+        double bend = curvature.along(x);
+        for (double v : flat) bend += v * v;
+        EXPECT_NEAR(bend, (ahead - 2 * here + back) / (d * d), 1e-4 * std::abs(bend)) << isMirrored;
+    }
+}
+
+TEST_F(TasksTest, FindNoStepWhereTheCurvatureBendsDownMoreThanTheDamping) {
+    setUp(0, false);
+    tasks.linearise(skeleton);
+    Curvature down;
+    down.form(tasks, skeleton);
+    for (std::size_t b = 0; b < tasks.blocks.size(); ++b) down.addRound(b, {-100, -100, -100});
+    LinearStep linear;
+    linear.setUp(tasks);
+    linear.form(tasks, &down);
+    std::vector<double> pull(std::size_t(tasks.columnCount())), step;
+    EXPECT_FALSE(linear.solve(tasks, tasks.residual, 0.01, pull, step));
+    EXPECT_TRUE(linear.solve(tasks, tasks.residual, 1000, pull, step));
+    linear.form(tasks);
+    EXPECT_TRUE(linear.solve(tasks, tasks.residual, 0.01, pull, step));
+}
+
 TEST(Borders, KnowHowTurnsChangeTheAnglesOfALimit) {
     Random random;
     for (int i = 0; i < 200; ++i) {
