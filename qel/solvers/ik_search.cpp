@@ -170,8 +170,13 @@ bool Search::misses(Effector const& e) const {
            (e.orientationWeight > 0 && length(logarithm(transposed(j.orientation()) * e.axes)) > missRadians);
 }
 
+// Only what may turn about all its axes.
 void Search::stir(int joint, std::uint64_t& random, double range) {
     Vec3 const at = Vec3{next(random), next(random), next(random)} * range;
+    auto const turns = [&](Block const& b) {
+        return !b.isTranslation && b.joint == joint && b.scale.x > 0 && b.scale.y > 0 && b.scale.z > 0;
+    };
+    if (std::none_of(descent_.tasks.blocks.begin(), descent_.tasks.blocks.end(), turns)) return;
     if (descent_.borders.has(joint))
         descent_.borders.goTo(descent_.skeleton, joint, at);
     else
