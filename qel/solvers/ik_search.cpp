@@ -140,7 +140,7 @@ constexpr double missMetres = 0.03, missRadians = 0.05;  // an effector this far
 constexpr double limbRange = 0.5, bodyRange = 0.8;       // of the room in the limits
 constexpr int limbsOnly = 3;  // attempts, before all of the body is stirred every second time
 constexpr int mostAttempts = 60;
-constexpr double bendRadians = 0.05, muchBetter = 0.9;
+constexpr double bendRadians = 0.05, muchBetter = 0.9, leapt = 0.5;
 constexpr double tieShare = 3e-3;
 
 // A number in [-1, 1). Steele, Lea and Flood, "Fast splittable pseudorandom number generators", OOPSLA (2014).
@@ -170,8 +170,13 @@ bool Search::misses(Effector const& e) const {
            (e.orientationWeight > 0 && length(logarithm(transposed(j.orientation()) * e.axes)) > missRadians);
 }
 
+// Only what may turn about all its axes.
 void Search::stir(int joint, std::uint64_t& random, double range) {
     Vec3 const at = Vec3{next(random), next(random), next(random)} * range;
+    auto const turns = [&](Block const& b) {
+        return !b.isTranslation && b.joint == joint && b.scale.x > 0 && b.scale.y > 0 && b.scale.z > 0;
+    };
+    if (std::none_of(descent_.tasks.blocks.begin(), descent_.tasks.blocks.end(), turns)) return;
     if (descent_.borders.has(joint))
         descent_.borders.goTo(descent_.skeleton, joint, at);
     else
@@ -257,6 +262,21 @@ bool Search::searchElsewhere(IKSolver& solver) {
     return descent_.run(left(), false);
 }
 
+// From the previous pose. Where targets have leapt, the tasks fall far and yet are not met: then the middle of the
+// limits may be the better place to begin.
+bool Search::goOn(int most) {
+    double const before = descent_.tasks.cost;
+    if (descent_.run(most, true)) return true;
+    if (double const reached = descent_.tasks.cost; reached < leapt * before) {
+        descent_.skeleton.keep(best_);
+        comeBackTo(first_);
+        relax();
+        if (descent_.run(most - descent_.iterations, true)) return true;
+        if (descent_.tasks.cost > muchBetter * reached) comeBackTo(best_);
+    }
+    return descent_.run(most - descent_.iterations, false);
+}
+
 void Search::run(IKSolver& solver) {
     setUpJoints(solver);
     setUpHandles(solver);
@@ -274,7 +294,8 @@ void Search::run(IKSolver& solver) {
     if (solver.maxIterations > 0 && !goesOn && !descent_.isReached()) relax();
     descent_.skeleton.keep(first_);
     solver.attempts = 1;
-    solver.isReached = descent_.run(solver.maxIterations, !goesOn) || giveWay(solver.maxIterations, !goesOn);
+    int const most = solver.maxIterations;
+    solver.isReached = (goesOn ? goOn(most) : descent_.run(most, true)) || giveWay(most, !goesOn);
     if (!solver.isReached) solver.isReached = goesOn ? isStuck() && bend(solver) : searchElsewhere(solver);
     solver.iterations = descent_.iterations;
     solver.positionError = descent_.tasks.positionError;

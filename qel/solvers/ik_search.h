@@ -19,6 +19,7 @@ private:
     void setUpPreference(IKSolver const& solver);
     void relax();
     bool giveWay(int most, bool isEager);
+    bool goOn(int most);
     bool searchElsewhere(IKSolver& solver);
     bool misses(Effector const& e) const;
     void stir(int joint, std::uint64_t& random, double range);
