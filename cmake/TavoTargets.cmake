@@ -36,6 +36,9 @@ if(NOT TARGET wx::base)
     message(FATAL_ERROR "wxBase 3.2 is missing: run scripts/install-dependencies.sh")
 endif()
 find_package(EXPAT REQUIRED)
+# The C++ build: its errors unwind the stack, where those of the C build would skip destructors. Never load both.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(LUA REQUIRED IMPORTED_TARGET lua5.4-c++)
 find_package(fmt 9 REQUIRED)
 find_package(CLI11 2 REQUIRED)
 

@@ -1,5 +1,5 @@
 #include "tavo/app/application.h"
-#include "qel/lua/lua_types.h"
+#include "qel/lua/lua_frame.h"
 #include "qel/utils/text.h"
 #include "qel/widgets/app_main_loop.h"
 #include "tavo/app/script_engine.h"

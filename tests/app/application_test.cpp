@@ -1,4 +1,5 @@
-#include "qel/lua/lua_types.h"
+#include "qel/lua/lua_frame.h"
+#include "qel/lua/lua_state.h"
 #include "tests/app/fixture.h"
 #include "tests/app/recorder.h"
 #include <wx/string.h>
