@@ -28,6 +28,7 @@
 #include "tavo/commands/transport.h"
 #include "tavo/extension/core_types.h"
 #include "tavo/extension/plugin_manager.h"
+#include "tavo/extension/lua/lua_script.h"
 #include "tavo/interaction/object_group.h"
 #include "tavo/interaction/selection.h"
 #include "tavo/interaction/tool.h"

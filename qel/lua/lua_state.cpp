@@ -75,8 +75,7 @@ LuaObject LuaState::CreateTable() const {
 int LuaState::DoString(std::string_view text, std::string const& name, std::string& error) const {
     // The first line of a script may tell a shell how to run it.
     bool const hasShebang = !text.empty() && text.front() == '#';
-    std::string_view const source =
-        hasShebang ? text.substr(std::min(text.find('\n'), text.size())) : text;
+    std::string_view const source = hasShebang ? text.substr(std::min(text.find('\n'), text.size())) : text;
     int const status = luaL_loadbufferx(state_, source.data(), source.size(), name.c_str(), onlySource);
     if (status != LUA_OK) return error = takeError(state_), status;
     return Call(0, 0, error);

@@ -158,9 +158,7 @@ void openLibraries(lua_State* state, LuaLibraries libraries) {
 }  // namespace
 
 LuaStateOwner::LuaStateOwner(LuaLibraries libraries) :
-    meter_(std::make_unique<Meter>()),
-    libraries_(libraries),
-    state_(lua_newstate(Meter::allocate, meter_.get())) {
+    meter_(std::make_unique<Meter>()), libraries_(libraries), state_(lua_newstate(Meter::allocate, meter_.get())) {
     if (state_) state_.Protect([this] { openLibraries(state_.GetCState(), libraries_); });
 }
 

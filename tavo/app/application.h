@@ -27,6 +27,7 @@ namespace Tavo {
 
 class XCommand;
 class XDatabase;
+class XLuaScript;
 class XObject;
 class XScene;
 class XSceneObserver;
@@ -128,6 +129,16 @@ public:
     XCommand ActiveCommand();  // the settings' nodes of these names; invalid, and logged, when there is none
     XCommand LastCommand();
 
+    // ---- scripts ----
+    XLuaScript* LuaScript() const { return _luaScript; }  // null unless started
+    // What the table "app" offers to scripts: a command's node by its path, what its run made, the active scene.
+    XObject Application_Command(std::wstring const& path);
+    void Application_ResetActiveCommand();
+    Qelutils::Vector<XObject> const& Application_RunActiveCommand();
+    Qelutils::Vector<XObject> const& Application_RunLastCommand();
+    Qelutils::Vector<XObject> const& Application_RunCommand(std::wstring const& name);  // not in the table, on purpose
+    XScene* Application_Scene();
+
 protected:
     XApplication();
     ~XApplication() override;
@@ -178,6 +189,7 @@ private:
     std::wstring _lastCommandName;
     Qelutils::Vector<XObject> _commandResults;
     LuaPlus::LuaStateOwner* _luaState = nullptr;
+    XLuaScript* _luaScript = nullptr;  // owned
     Qelutils::BasicLogger* _logger = nullptr;
     qellua::LuaFrame* _frame = nullptr;
     std::wstring _frameName;

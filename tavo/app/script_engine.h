@@ -15,7 +15,7 @@ class XSceneChange;
 class XScriptEngine : public XScriptBase {
 public:
     // False when the file is not one of this engine's, is missing, or fails.
-    virtual bool RunScriptFromFile(std::wstring const& /*file*/) { return false; }
+    virtual bool RunFile(std::wstring const& /*file*/) { return false; }
     virtual void NotifySceneLoaded(XScene&) {}
     virtual void NotifySceneChanged(XSceneChange const&, bool /*transient*/) {}
     virtual void NotifySceneSelectionChanging(XScene&) {}  // before the commit, and before anybody else hears of it

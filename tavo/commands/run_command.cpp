@@ -47,4 +47,22 @@ void XApplication::runLastCommand() { runCommand(std::wstring(LastCommandName())
 
 void XApplication::resetActiveCommand() { ActiveCommand().Initialize(); }
 
+// ---- what scripts call ----
+
+XObject XApplication::Application_Command(std::wstring const& path) { return Settings().Object(path); }
+void XApplication::Application_ResetActiveCommand() { resetActiveCommand(); }
+Qelutils::Vector<XObject> const& XApplication::Application_RunActiveCommand() {
+    runActiveCommand();
+    return _commandResults;
+}
+Qelutils::Vector<XObject> const& XApplication::Application_RunLastCommand() {
+    runLastCommand();
+    return _commandResults;
+}
+Qelutils::Vector<XObject> const& XApplication::Application_RunCommand(std::wstring const& name) {
+    runCommand(name);
+    return _commandResults;
+}
+XScene* XApplication::Application_Scene() { return &ActiveScene(); }
+
 }  // namespace Tavo

@@ -58,7 +58,7 @@ public:
     }
     ~RecordingEngine() override { XApplication::Instance().RemoveScriptEngine(this); }
 
-    bool RunScriptFromFile(std::wstring const& file) override {
+    bool RunFile(std::wstring const& file) override {
         files.push_back(file);
         if (onRun) onRun();
         return succeeds;
