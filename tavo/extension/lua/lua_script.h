@@ -51,6 +51,16 @@ public:
     // ---- events. False for a value that is no function, and for an unknown name ----
     bool AddEventHandler(std::wstring const& name, LuaPlus::LuaObject const& function);
     bool RemoveEventHandler(std::wstring const& name, LuaPlus::LuaObject const& function);
+    bool WantsObjectEvents() const override;
+    void NotifySceneLoaded(XScene& scene) override;
+    void NotifySceneChanged(XSceneChange const& change, bool transient) override;
+    void NotifySceneSelectionChanged(XScene& scene, bool transient) override;
+    void NotifySceneTimeChanged(XScene& scene, bool transient) override;
+    void NotifyObjectCreated(XObject const& object) override;
+    void NotifyObjectDeleted(XObject const& object) override;
+    void NotifyObjectRemoved(XObject const& object) override;
+    void NotifyObjectRenamed(XObject const& object) override;
+    void NotifyObjectReparented(XObject const& object) override;
 
     // ---- what scripts do to the history ----
     void BeginUndo(XScene& scene);
@@ -66,6 +76,8 @@ private:
     int run(std::function<int()> const& action);
     int runChunk(std::function<int(std::string& error)> const& chunk);
     void registerFunctions();
+    void notify(int event, XObject const* object = nullptr);
+    void runHandler(LuaPlus::LuaObject const& handler, XObject const* object);
 
     std::unique_ptr<LuaPlus::LuaStateOwner> _ownState;
     LuaPlus::LuaStateOwner* _owner;
@@ -74,6 +86,7 @@ private:
     Run* _run = nullptr;                                       // the innermost
     std::string _lastError;
     bool _takesBackFailures = false;
+    int _notices = 0;  // that are being told, one within the other
 };
 
 }  // namespace Tavo

@@ -35,7 +35,7 @@ TEST_F(LuaScriptTest, ATableWithoutASceneFails) {
 
 TEST_F(LuaScriptTest, ATableKeptAfterTheObjectIsDeletedIsInvalidAndItsCallsDoNothing) {
     run("kept = scene:createObject('Joint')");
-    scene().Object(L"joint").Delete();
+    scene().Object(L"Scene|joint").Delete();
     EXPECT_EQ("false", eval("return kept:isValid()"));
     EXPECT_EQ("", eval("return kept:name()"));
     run("kept:setName('ghost')");
@@ -74,13 +74,13 @@ TEST_F(LuaScriptTest, UndoInAScriptTakesBackWhatTheScriptDid) {
 }
 
 TEST_F(LuaScriptTest, TablesOfOneObjectAreEqual) {
-    EXPECT_EQ("true false", eval("local j = scene:createObject('Joint') return j == scene:object('joint'), j == "
+    EXPECT_EQ("true false", eval("local j = scene:createObject('Joint') return j == scene:object('Scene|joint'), j == "
                                  "scene:createObject('Joint')"));
 }
 
 TEST_F(LuaScriptTest, AFailingScriptIsLoggedAndKeepsWhatItDid) {
     EXPECT_EQ("script:2: stop", failure("scene:createObject('Joint') error('stop')"));
-    EXPECT_TRUE(scene().IsObject(L"joint"));
+    EXPECT_TRUE(scene().IsObject(L"Scene|joint"));
 }
 
 TEST_F(LuaScriptTest, AFailingScriptCanBeTakenBack) {
