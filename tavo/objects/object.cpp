@@ -45,7 +45,7 @@ XObject& XObject::operator=(XObject const& other) {
 }
 
 XObject& XObject::setNode(db::Node* node) {
-    if (node && node->isDatabase()) node = nullptr;
+    if (node && node->getDatabase() == node) node = nullptr;  // the database is no object
     _node.setAnchor(node ? node->getAnchor() : nullptr);
     _database = node ? databaseOf(*node) : nullptr;
     return *this;

@@ -43,7 +43,14 @@ XLuaScript::XLuaScript(LuaPlus::LuaStateOwner* owner) :
     }
 }
 
-XLuaScript::~XLuaScript() { _handlers.clear(); }
+// A state of its own goes while all else stands: scripts may have finalizers. One that is borrowed is left without us.
+XLuaScript::~XLuaScript() {
+    _handlers.clear();
+    if (_ownState)
+        _ownState.reset();
+    else if (_tables)
+        _tables->Disconnect();
+}
 
 void XLuaScript::registerFunctions() {
     lua_State* const state = State()->GetCState();

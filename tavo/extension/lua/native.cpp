@@ -2,18 +2,15 @@
 #include "tavo/extension/lua/lua_script.h"
 #include "tavo/extension/lua/script_function.h"
 #include <lua.hpp>
+#include <new>
 
 namespace Tavo {
 namespace {
 
-template<class Value> Value& upvalue(lua_State* state, int index) {
-    return *static_cast<Value*>(lua_touserdata(state, lua_upvalueindex(index)));
-}
-
 int callFunction(lua_State* state) {
-    auto const& function = upvalue<XScriptFunction const>(state, RowUpvalue);
-    XScriptCall call(state, upvalue<XLuaScript>(state, ScriptUpvalue), function);
-    return function.Invoke(call);
+    auto const& binding = *static_cast<XScriptBinding const*>(lua_touserdata(state, lua_upvalueindex(BindingUpvalue)));
+    XScriptCall call(state, engineOf(*binding.engine), binding);
+    return binding.function->Invoke(call);
 }
 
 }  // namespace
@@ -32,12 +29,21 @@ int guardedCall(lua_State* state, int (*native)(lua_State*)) {
     return lua_error(state);
 }
 
-void pushScriptFunction(lua_State* state, XLuaScript& script, XScriptSet const& set, XScriptFunction const& function) {
-    lua_pushlightuserdata(state, const_cast<XScriptFunction*>(&function));
-    lua_pushlightuserdata(state, &script);
+XScriptEngineCell* makeEngineCell(lua_State* state, XLuaScript& script) {
+    auto* const cell = static_cast<XScriptEngineCell*>(lua_newuserdatauv(state, sizeof(XScriptEngineCell), 0));
+    luaL_ref(state, LUA_REGISTRYINDEX);
+    return new (cell) XScriptEngineCell{&script};
+}
+
+XLuaScript& engineOf(XScriptEngineCell const& cell) {
+    if (!cell.script) throw XScriptError("the application was shut down");
+    return *cell.script;
+}
+
+void pushScriptFunction(lua_State* state, XScriptBinding const& binding) {
+    new (lua_newuserdatauv(state, sizeof(XScriptBinding), 0)) XScriptBinding(binding);
     lua_pushstring(state, XScriptBase::SceneID);
     lua_pushstring(state, XScriptBase::ObjectID);
-    lua_pushlightuserdata(state, const_cast<XScriptSet*>(&set));
     lua_pushcclosure(state, guarded<callFunction>, FunctionUpvalues);
 }
 

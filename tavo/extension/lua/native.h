@@ -13,21 +13,36 @@ struct XScriptSet;
 
 // By the numbers of Lua's upvalues.
 enum Upvalue : int {
-    RowUpvalue = 1,     // light user data: the XScriptFunction
-    ScriptUpvalue = 2,  // light user data: the XLuaScript
     // of functions; the two words spare a look-up at each call
-    SceneIDUpvalue = 3,
-    ObjectIDUpvalue = 4,
-    SetUpvalue = 5,  // light user data: the XScriptSet, for messages
-    FunctionUpvalues = 5,
+    BindingUpvalue = 1,  // user data: the XScriptBinding
+    SceneIDUpvalue = 2,
+    ObjectIDUpvalue = 3,
+    FunctionUpvalues = 3,
     // of the metamethods that find fields
-    FunctionsUpvalue = 3,  // the table of the functions
-    FullUpvalue = 4,       // the metatable of a table that has all its fields
-    FieldUpvalues = 4,
+    EngineUpvalue = 1,     // light user data: the XScriptEngineCell
+    FunctionsUpvalue = 2,  // the table of the functions
+    FullUpvalue = 3,       // the metatable of a table that has all its fields
+    FieldUpvalues = 3,
 };
 
-// The native function of a row.
-void pushScriptFunction(lua_State* state, XLuaScript& script, XScriptSet const& set, XScriptFunction const& function);
+// The engine that the functions of a state belong to. A state may live longer, and its last finalizers call functions
+// when it is closed; so the cell is the state's, and empty once the engine is gone.
+struct XScriptEngineCell {
+    XLuaScript* script;
+};
+
+// A row in the tables of an engine; the state's as well.
+struct XScriptBinding {
+    XScriptEngineCell const* engine;
+    XScriptSet const* set;
+    XScriptFunction const* function;
+};
+
+// A cell that lives as long as the state.
+XScriptEngineCell* makeEngineCell(lua_State* state, XLuaScript& script);
+XLuaScript& engineOf(XScriptEngineCell const& cell);  // throws an XScriptError when it is gone
+// Pushes the native function of a row.
+void pushScriptFunction(lua_State* state, XScriptBinding const& binding);
 
 // Runs `native`, whose exceptions become errors of the script. Lua's own errors pass: they are no std::exception.
 int guardedCall(lua_State* state, int (*native)(lua_State*));

@@ -32,8 +32,7 @@ bool isInt(double value) {
 // ---- messages ----
 
 void XScriptCall::Fail(std::string const& message) const {
-    auto const& set = *static_cast<XScriptSet const*>(lua_touserdata(_state, lua_upvalueindex(SetUpvalue)));
-    throw XScriptError(std::string(set.table) + ":" + _function.Name() + ": " + message);
+    throw XScriptError(std::string(_binding.set->table) + ":" + _binding.function->Name() + ": " + message);
 }
 
 void XScriptCall::refuse(char const* wanted) const {
@@ -43,7 +42,7 @@ void XScriptCall::refuse(char const* wanted) const {
 
 // ---- the next argument ----
 
-XScriptArgument const& XScriptCall::argument() const { return _function.Argument(_argument); }
+XScriptArgument const& XScriptCall::argument() const { return _binding.function->Argument(_argument); }
 
 bool XScriptCall::HasNext() const { return !lua_isnoneornil(_state, _position); }
 
@@ -264,25 +263,28 @@ Qelutils::Vector<XObject> XScriptCall::TakeObjects() {
 
 namespace {
 
-// A number among the upvalue's key; false when it is not there.
-bool readID(lua_State* state, int upvalue, long long& id) {
-    lua_pushvalue(state, lua_upvalueindex(upvalue));
+// The ids of a table, by one look at each; false without a scene's id.
+bool readIDs(lua_State* state, long long& scene, long long& object) {
+    lua_pushvalue(state, lua_upvalueindex(SceneIDUpvalue));
     lua_rawget(state, 1);
-    int isInteger = 0;
-    id = lua_tointegerx(state, -1, &isInteger);
-    lua_pop(state, 1);
-    return isInteger != 0;
+    lua_pushvalue(state, lua_upvalueindex(ObjectIDUpvalue));
+    lua_rawget(state, 1);
+    int hasScene = 0, hasObject = 0;
+    scene = lua_tointegerx(state, -2, &hasScene);
+    object = lua_tointegerx(state, -1, &hasObject);
+    if (!hasObject) object = XObject::InvalidID;
+    lua_pop(state, 2);
+    return hasScene != 0;
 }
 
 }  // namespace
 
 // Reads the ids of self, and makes its document the one that paths are looked up in.
 void XScriptCall::beginSelf(long long& object) {
-    if (!lua_istable(_state, 1)) Fail("argument 1 is not the table that it belongs to: call it with a colon");
+    if (lua_type(_state, 1) != LUA_TTABLE) Fail("argument 1 is not the table that it belongs to: call it with a colon");
     long long scene = 0;
-    if (!readID(_state, SceneIDUpvalue, scene)) throw XScriptError("Invalid scene ID");
+    if (!readIDs(_state, scene, object)) throw XScriptError("Invalid scene ID");
     _database = XScriptTables::DatabaseOf(scene);
-    if (!readID(_state, ObjectIDUpvalue, object)) object = XObject::InvalidID;
 }
 
 XObject XScriptCall::SelfObject() {
@@ -311,7 +313,7 @@ XScene& XScriptCall::SelfScene() {
 
 // With a colon, argument 1 is the table of the functions.
 XApplication& XScriptCall::SelfApplication() {
-    if (lua_istable(_state, 1) && XScriptTables::HasField(_state, 1, _function.Name()))
+    if (lua_istable(_state, 1) && XScriptTables::HasField(_state, 1, _binding.function->Name()))
         _position = 2;
     else
         _position = 1;
@@ -340,8 +342,8 @@ XMatrix XScriptCall::SelfMatrix() {
 // Values belong to a scene only by name: one without still is a value.
 void XScriptCall::beginValue() {
     if (!lua_istable(_state, 1)) Fail("argument 1 is not the value that it belongs to: call it with a colon");
-    long long scene = 0;
-    if (readID(_state, SceneIDUpvalue, scene)) _database = XScriptTables::DatabaseOf(scene);
+    long long scene = 0, object = 0;
+    if (readIDs(_state, scene, object)) _database = XScriptTables::DatabaseOf(scene);
 }
 
 void XScriptCall::StoreSelf(XVector3 const& value) { XScriptTables::StoreValue(_state, 1, value); }

@@ -6,6 +6,7 @@
 #pragma once
 #include "qel/lua/lua_state.h"
 #include "tavo/animation/keyframe.h"
+#include "tavo/extension/lua/native.h"
 #include "tavo/objects/attribute.h"
 #include "tavo/objects/matrix.h"
 #include "tavo/objects/object.h"
@@ -78,8 +79,8 @@ public:
 class XScriptCall {
 public:
     // Inside a native function whose upvalues are those that XScriptTables gives to functions.
-    XScriptCall(lua_State* state, XLuaScript& script, XScriptFunction const& function) :
-        _state(state), _script(script), _function(function) {}
+    XScriptCall(lua_State* state, XLuaScript& script, XScriptBinding const& binding) :
+        _state(state), _script(script), _binding(binding) {}
     XScriptCall(XScriptCall const&) = delete;
     XScriptCall& operator=(XScriptCall const&) = delete;
 
@@ -159,7 +160,7 @@ private:
 
     lua_State* _state;
     XLuaScript& _script;
-    XScriptFunction const& _function;
+    XScriptBinding const& _binding;
     XDatabase* _database = nullptr;
     int _position = 2;  // on the stack, of the next argument
     int _argument = 0;  // its number in the row

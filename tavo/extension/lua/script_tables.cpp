@@ -14,7 +14,7 @@ namespace Tavo {
 namespace {
 
 XScriptTables& tablesOf(lua_State* state) {
-    return static_cast<XLuaScript*>(lua_touserdata(state, lua_upvalueindex(ScriptUpvalue)))->Tables();
+    return engineOf(*static_cast<XScriptEngineCell*>(lua_touserdata(state, lua_upvalueindex(EngineUpvalue)))).Tables();
 }
 
 long long integerField(lua_State* state, int index, char const* key) {
@@ -243,7 +243,8 @@ void setFunction(lua_State* state, char const* key, lua_CFunction function) {
 
 // ---- the functions' tables ----
 
-XScriptTables::XScriptTables(XLuaScript& script, lua_State* state) : _script(script) {
+XScriptTables::XScriptTables(XLuaScript& script, lua_State* state) :
+    _script(script), _engine(makeEngineCell(state, script)) {
     _scene = makePlain(state, SceneFunctions());
     lua_rawgeti(state, LUA_REGISTRYINDEX, _scene);
     setFunction(state, "__eq", areSame);
@@ -270,7 +271,7 @@ XScriptTables::XScriptTables(XLuaScript& script, lua_State* state) : _script(scr
 void XScriptTables::RegisterFunctions(lua_State* state, XScriptSet const& set) {
     for (XScriptFunction const& function : set.functions) {
         lua_pushstring(state, function.Name());
-        pushScriptFunction(state, _script, set, function);
+        pushScriptFunction(state, {_engine, &set, &function});
         lua_rawset(state, -3);
     }
 }
@@ -297,8 +298,7 @@ XScriptTables::Metatables XScriptTables::makeLazy(lua_State* state, int function
     setFunction(state, "__tostring", describeIt);
     for (auto const& [key, function] :
          {std::pair<char const*, lua_CFunction>{"__index", index}, {"__pairs", pairs}, {"__newindex", assign}}) {
-        lua_pushlightuserdata(state, nullptr);
-        lua_pushlightuserdata(state, &_script);
+        lua_pushlightuserdata(state, _engine);
         lua_pushvalue(state, functions);
         lua_pushvalue(state, full);
         lua_pushcclosure(state, function, FieldUpvalues);
@@ -441,14 +441,15 @@ XDatabase* XScriptTables::DatabaseOf(long long id) {
     return application.GetDatabaseByID(int(id));
 }
 
+// Straight from the graph: what is gone is no error here, where the scene's own look-up would log one.
 XObject XScriptTables::ObjectOf(XDatabase const* database, long long id) {
     if (!database || !database->SceneGraph() || id < 0 || id > std::numeric_limits<int>::max()) return {};
-    return XObject(database->SceneGraph()->Node(int(id)));
+    return XObject(database->SceneGraph()->lookupNode(int(id)));
 }
 
 XAttribute XScriptTables::AttributeOf(XDatabase const* database, long long id) {
     if (!database || !database->SceneGraph() || id < 0 || id > std::numeric_limits<int>::max()) return {};
-    return XAttribute(database->SceneGraph()->Attribute(int(id)));
+    return XAttribute(database->SceneGraph()->lookupAttribute(int(id)));
 }
 
 XDatabase* XScriptTables::DatabaseAt(lua_State* state, int index) {

@@ -25,6 +25,8 @@ class XScriptTables {
 public:
     // Builds the functions' tables; inside a protected call.
     XScriptTables(XLuaScript& script, lua_State* state);
+    // From now on the functions that the state keeps fail. The state is still there.
+    void Disconnect() { _engine->script = nullptr; }
 
     // ---- to scripts ----
     void PushScene(lua_State* state, XDatabase const& scene);
@@ -70,6 +72,7 @@ private:
     void setIdentity(lua_State* state, int scene, int object);
 
     XLuaScript& _script;
+    XScriptEngineCell* _engine;
     std::map<std::vector<std::wstring>, Metatables> _byTypes;
     std::map<db::NodeDef const*, Metatables> _byNode;
     Metatables _attribute{};

@@ -95,5 +95,21 @@ TEST_F(LuaScriptTest, ValuesAreWrittenBackIntoTheirTable) {
                                           "return string.format('%g', m), v, string.format('%.1f', v.z)"));
 }
 
+// The last finalizers of a state run when it is closed.
+TEST_F(LuaScriptTest, FinalizersMayCallFunctionsWhenTheStateCloses) {
+    run("local j = scene:createObject('Joint') setmetatable({}, {__gc = function() j:name() end})");
+    application().Shutdown();
+}
+
+TEST(LuaScript, AStateThatLivesLongerThanTheApplicationKeepsFunctionsThatFail) {
+    LuaPlus::LuaStateOwner owner;
+    XApplication::Instance().Startup(&owner, nullptr, L"");
+    std::string error;
+    EXPECT_EQ(0, owner->DoString("scene = app.scene() valid = scene.isValid", "=test", error)) << error;
+    XApplication::Instance().Shutdown();
+    EXPECT_NE(0, owner->DoString("valid(scene)", "=test", error));
+    EXPECT_EQ(0u, error.find("test:1: the application was shut down")) << error;
+}
+
 }  // namespace
 }  // namespace Tavo
