@@ -86,6 +86,8 @@ public:
     ~Node() override;
 
     // ---- identity ----
+    int getNodeID() const { return firstID_; }
+    Database* getDatabase() const { return database_; }
     NodeDef const& getNodeDef() const { return *def_; }
     std::wstring const& getClassID() const { return def_->getClassID(); }
     bool isOfType(NodeDef const& def) const { return def_ == &def || def_->isOfType(def); }

@@ -10,10 +10,7 @@ namespace Tavo {
 
 XApplication* XApplication::_instance = nullptr;
 
-XApplication& XApplication::Instance() {
-    if (!_instance) _instance = new XApplication;
-    return *_instance;
-}
+XApplication& XApplication::makeInstance() { return *(_instance = new XApplication); }
 
 void XApplication::SetFrame(qellua::LuaFrame* frame, wxString name) {
     _frame = frame;

@@ -43,7 +43,7 @@ public:
     static constexpr XWord InitializationScriptName = L"InitializeApplication.lua";
 
     // ---- life ----
-    static XApplication& Instance();
+    static XApplication& Instance() { return _instance ? *_instance : makeInstance(); }
     // `state` and `logger` are borrowed and may be null; `executableDir` ends as the host likes it.
     void Startup(LuaPlus::LuaStateOwner* state, Qelutils::BasicLogger* logger, wchar_t const* executableDir);
     void Shutdown();  // deletes this object
@@ -174,6 +174,7 @@ private:
             std::erase(observers, observer);
     }
 
+    static XApplication& makeInstance();
     XScene& activateNeighbour(int step);
 
     static XApplication* _instance;

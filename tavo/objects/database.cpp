@@ -31,7 +31,7 @@ void XDatabase::Unregister() {
     _graph.reset();
 }
 
-int XDatabase::DatabaseID() const { return _graph ? _graph->getID() : InvalidID; }
+int XDatabase::DatabaseID() const { return _graph ? _graph->getNodeID() : InvalidID; }
 
 // ---- change blocks ----
 

@@ -57,6 +57,11 @@ public:
     constexpr XObject(XUndefined) {}
     XObject(sg::Node* node);
     XObject(db::Node* node);
+    // Of a node that is known to be one of this database, and not the database itself.
+    XObject(XDatabase const& database, db::Node& node) : _database(const_cast<XDatabase*>(&database)) {
+        _node.setAnchor(node.getAnchor());
+        ++_count;
+    }
     XObject(XObject const& other) : _database(other._database), _node(other._node) { ++_count; }
     XObject& operator=(XObject const& other);  // then calls onConstruct, so that cached members are rebuilt
     virtual ~XObject() { --_count; }

@@ -15,14 +15,12 @@ int callFunction(lua_State* state) {
 
 }  // namespace
 
-// The error is raised when the exception is gone: Lua's own is another.
-int guardedCall(lua_State* state, int (*native)(lua_State*)) {
-    try {
-        return native(state);
-    } catch (std::exception const& error) {
-        lua_settop(state, 0);
-        lua_pushstring(state, error.what());
-    }
+void keepMessage(lua_State* state, char const* message) {
+    lua_settop(state, 0);
+    lua_pushstring(state, message);
+}
+
+int raiseKept(lua_State* state) {
     luaL_where(state, 1);
     lua_insert(state, 1);
     lua_concat(state, 2);
@@ -35,10 +33,7 @@ XScriptEngineCell* makeEngineCell(lua_State* state, XLuaScript& script) {
     return new (cell) XScriptEngineCell{&script};
 }
 
-XLuaScript& engineOf(XScriptEngineCell const& cell) {
-    if (!cell.script) throw XScriptError("the application was shut down");
-    return *cell.script;
-}
+void failWithoutEngine() { throw XScriptError("the application was shut down"); }
 
 void pushScriptFunction(lua_State* state, XScriptBinding const& binding) {
     new (lua_newuserdatauv(state, sizeof(XScriptBinding), 0)) XScriptBinding(binding);

@@ -1,7 +1,7 @@
 // The border between Lua and C++: what the native functions that scripts call carry with them, and how what they throw
 // becomes an error of the script.
 #pragma once
-#include <string>
+#include <exception>
 
 struct lua_State;
 
@@ -40,12 +40,25 @@ struct XScriptBinding {
 
 // A cell that lives as long as the state.
 XScriptEngineCell* makeEngineCell(lua_State* state, XLuaScript& script);
-XLuaScript& engineOf(XScriptEngineCell const& cell);  // throws an XScriptError when it is gone
+[[noreturn]] void failWithoutEngine();
+// Throws an XScriptError when it is gone.
+inline XLuaScript& engineOf(XScriptEngineCell const& cell) {
+    if (!cell.script) failWithoutEngine();
+    return *cell.script;
+}
 // Pushes the native function of a row.
 void pushScriptFunction(lua_State* state, XScriptBinding const& binding);
 
-// Runs `native`, whose exceptions become errors of the script. Lua's own errors pass: they are no std::exception.
-int guardedCall(lua_State* state, int (*native)(lua_State*));
-template<int (*native)(lua_State*)> int guarded(lua_State* state) { return guardedCall(state, native); }
+void keepMessage(lua_State* state, char const* message);  // as all that is on the stack
+int raiseKept(lua_State* state);                          // tells where the script stands; does not return
+
+// Runs `native`, whose exceptions become errors of the script. Lua's own errors pass: they are no std::exception. The
+// error is raised when the exception is gone, since Lua's is another.
+template<int (*native)(lua_State*)> int guarded(lua_State* state) {
+    try {
+        return native(state);
+    } catch (std::exception const& error) { keepMessage(state, error.what()); }
+    return raiseKept(state);
+}
 
 }  // namespace Tavo

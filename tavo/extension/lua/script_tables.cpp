@@ -444,7 +444,8 @@ XDatabase* XScriptTables::DatabaseOf(long long id) {
 // Straight from the graph: what is gone is no error here, where the scene's own look-up would log one.
 XObject XScriptTables::ObjectOf(XDatabase const* database, long long id) {
     if (!database || !database->SceneGraph() || id < 0 || id > std::numeric_limits<int>::max()) return {};
-    return XObject(database->SceneGraph()->lookupNode(int(id)));
+    db::Node* const node = database->SceneGraph()->lookupNode(int(id));
+    return node && node != database->SceneGraph() ? XObject(*database, *node) : XObject();
 }
 
 XAttribute XScriptTables::AttributeOf(XDatabase const* database, long long id) {
