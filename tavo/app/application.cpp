@@ -42,7 +42,7 @@ XApplication& XApplication::RemoveScriptEngine(XScriptEngine* engine) {
 
 bool XApplication::RunScriptFromFile(std::wstring const& file) {
     bool done = false;
-    ForEachScriptEngine([&](XScriptEngine& engine) { done = done || engine.RunScriptFromFile(file); });
+    ForEachScriptEngine([&](XScriptEngine& engine) { done = done || engine.RunFile(file); });
     return done;
 }
 
