@@ -26,6 +26,12 @@ void moveNamed(XObject& object, sg::Node& parent) {
     object.SetName(name);
 }
 
+// Of an object that is being created: its first parent is no new one.
+XObject& settle(XObject& object, XObject const& parent) {
+    XObjectEvents::Pause const pause(object.Database());
+    return object.SetParent(parent);
+}
+
 }  // namespace
 
 XObject XScene::CreateNode(std::wstring const& nodeType) { return CreateNode(nodeType, XObject::Undefined); }
@@ -33,11 +39,12 @@ XObject XScene::CreateNode(std::wstring const& nodeType) { return CreateNode(nod
 XObject XScene::CreateNode(std::wstring const& nodeType, XObject const& parent) {
     XObject object = XDatabase::CreateNode(nodeType, parent);
     if (!object.IsValid() || parent.IsValid()) return object;
-    XObject home;
-    if (isTransform(object)) home = RootObject();
-    if (object.SupportsType(XShape::TypeID)) home = CreateObject(XTransform::TypeID);
-    XObjectEvents::Pause const pause(*this);
-    return home.IsValid() ? object.SetParent(home) : object;
+    if (isTransform(object)) return settle(object, RootObject());
+    if (!object.SupportsType(XShape::TypeID)) return object;
+    BeginChangeBlock();  // who is told of the shape finds it below its transform
+    settle(object, CreateObject(XTransform::TypeID));
+    EndChangeBlock();
+    return object;
 }
 
 void XScene::reparent(XObject& object, XObject const& parent, bool, bool keepWorld) {

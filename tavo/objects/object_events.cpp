@@ -26,10 +26,12 @@ bool isWanted() {
 // ---- noting ----
 
 bool XObjectEvents::isNoting() const {
-    return !_isDropping && _graph.Database().IsScene() && isWanted() && _graph.getMaxUndoItems() > 0;
+    return !_isDropping && _graph.Database().IsScene() && _graph.getMaxUndoItems() > 0;
 }
 
+// Whether anybody wants to know is asked first: mostly nobody does.
 bool XObjectEvents::AreNoted(XObject const& object) {
+    if (!isWanted()) return false;
     XSceneGraph* const graph = object.Database().SceneGraph();
     return graph && graph->ObjectEvents().isNoting();
 }
@@ -108,7 +110,8 @@ XObjectEvents::Pause::~Pause() {
 }
 
 XObjectEvents::Comparison::Comparison(XObject const& object) : _object(object) {
-    if (!AreNoted(object) || object.Database().SceneGraph()->ObjectEvents()._pauses > 0) return;
+    XSceneGraph* const graph = object.Database().SceneGraph();
+    if (!graph || graph->ObjectEvents()._pauses > 0 || !AreNoted(object)) return;
     _parent = object.getNode()->getParent();
     _name = object.Name();
     _pause.emplace(object.Database());

@@ -1,6 +1,9 @@
 // What script engines hear of objects: what counts as what, in which order, and when it is told.
 #include "tests/app/recorder.h"
 #include "tests/objects/fixture.h"
+#include <map>
+#include <memory>
+#include <random>
 
 namespace Tavo {
 namespace {
@@ -107,6 +110,11 @@ TEST_F(ObjectEvents, AnotherNameIsARenaming) {
     EXPECT_EQ(of([&] { leaf.SetName(L"hand"); }), Lines());
 }
 
+TEST_F(ObjectEvents, ANameThatIsWrittenAsAnAttributeIsARenaming) {
+    EXPECT_EQ(of([&] { leaf.Attribute(0).SetString(L"hand"); }), Lines{renamed(leaf)});
+    EXPECT_EQ(leaf.Name(), L"hand");
+}
+
 TEST_F(ObjectEvents, AnotherParentIsAReparenting) {
     EXPECT_EQ(of([&] { leaf.SetParent(other); }), Lines{reparented(leaf)});
     EXPECT_EQ(of([&] { leaf.Unparent(); }), Lines{reparented(leaf)});
@@ -191,6 +199,13 @@ TEST_F(ObjectEvents, AnObjectIsCompleteWhenItsCreationIsTold) {
     scene().CommitTransient();
     EXPECT_EQ(name, L"joint");
     EXPECT_TRUE(isBelowTop);
+}
+
+TEST_F(ObjectEvents, AShapeStandsBelowItsTransformWhenItsCreationIsTold) {
+    std::vector<bool> havingParents;
+    engine.answers["Created"] = [&](XObject const& object) { havingParents.push_back(object.HasParent()); };
+    make(XGrid::TypeID);
+    EXPECT_EQ(havingParents, std::vector<bool>(2, true));
 }
 
 TEST_F(ObjectEvents, ATransientCommitTellsAndTheFinalOneDoesNotRepeatIt) {
@@ -408,6 +423,95 @@ TEST_F(ObjectEvents, ChangesThatAnswerEveryChangeAreStoppedToo) {
     engine.take();
     EXPECT_EQ(of([&] { leaf.SetName(L"hand"); }), Lines{renamed(leaf)});
 }
+
+// ---- a listener that believes what it is told knows the scene ----
+
+// What is where under which name, kept up by nothing but events.
+class Mirror : public ObjectListener {
+public:
+    struct Entry {
+        std::wstring name;
+        int parent;
+        bool operator==(Entry const&) const = default;
+        friend void PrintTo(Entry const& entry, std::ostream* out) {
+            *out << Qelutils::toUtf8(entry.name) << " below " << entry.parent;
+        }
+    };
+    using Entries = std::map<int, Entry>;
+
+    explicit Mirror(XScene& scene) : entries(of(scene)) {
+        for (char const* each : {"Created", "Renamed", "Reparented"})
+            answers[each] = [this](XObject const& object) { update(object); };
+        for (char const* each : {"Deleted", "Removed"})
+            answers[each] = [this](XObject const& object) { entries.erase(object.ObjectID()); };
+    }
+    static Entries of(XScene& scene) {
+        Entries found;
+        Qelutils::Vector<XObject> all;
+        scene.Objects(all);
+        for (XObject const& each : all) found.emplace(each.ObjectID(), entryOf(each));
+        return found;
+    }
+
+    Entries entries;
+
+private:
+    static Entry entryOf(XObject const& object) { return {object.Name(), object.Parent().ObjectID()}; }
+    void update(XObject const& object) {
+        if (object.IsValid()) entries[object.ObjectID()] = entryOf(object);
+    }
+};
+
+class RandomObjectEvents : public ObjectEvents, public testing::WithParamInterface<unsigned> {
+protected:
+    int number(int count) { return std::uniform_int_distribution<>(0, count - 1)(random); }
+    XObject any() {
+        Qelutils::Vector<XObject> joints;
+        scene().Objects(XTransform::TypeID, SupportsObjectType, joints);
+        std::erase_if(joints, [](XObject const& each) { return each.IsType(XCamera::TypeID); });
+        return joints[std::size_t(number(int(joints.size())))];
+    }
+    void create() {
+        static constexpr XWord types[] = {XJoint::TypeID, XNull::TypeID, XGrid::TypeID, XCharacter::TypeID};
+        make(types[number(4)], number(2) ? any() : XObject());
+    }
+    void edit() {
+        static wchar_t const* const names[] = {L"a", L"b", L"c"};
+        switch (number(10)) {
+        case 0: return any().Delete();
+        case 1: return any().Remove();
+        case 2: return void(any().Copy());
+        case 3:
+        case 4: return void(any().SetName(names[number(3)]));
+        case 5: return void(any().SetParent(any()));
+        case 6: return void(any().Unparent());
+        case 7: return scene().RemoveObjects(names[number(3)]);
+        default: return create();
+        }
+    }
+    void editSomeInABlock() {
+        scene().BeginChangeBlock();
+        for (int i = number(4); i >= 0; --i) edit();
+        number(4) ? scene().EndChangeBlock() : scene().CancelChangeBlock();
+    }
+
+    std::mt19937 random{GetParam()};
+};
+
+TEST_P(RandomObjectEvents, KeepAMirrorOfTheScene) {
+    scene().CommitTransient();
+    Mirror const mirror(scene());
+    for (int i = 0; i < 100; ++i) {
+        number(2) ? editSomeInABlock() : edit();
+        scene().CommitTransient();
+        for (auto const& [id, entry] : Mirror::of(scene())) {
+            ASSERT_TRUE(mirror.entries.count(id)) << id << ", after edit " << i;
+            ASSERT_EQ(mirror.entries.at(id), entry) << id << ", after edit " << i;
+        }
+        ASSERT_EQ(mirror.entries.size(), Mirror::of(scene()).size()) << "after edit " << i;
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomObjectEvents, testing::Range(1u, 9u));
 
 }  // namespace
 }  // namespace Tavo
