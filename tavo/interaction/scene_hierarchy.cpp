@@ -1,5 +1,6 @@
 // How a scene makes and moves objects: what has a place in space hangs below the root object, and keeps that place.
 #include "tavo/interaction/scene_objects.h"
+#include "tavo/objects/object_events.h"
 #include <optional>
 
 namespace Tavo {
@@ -18,6 +19,19 @@ void moveNode(sg::Node& node, sg::Node& parent) {
     parent.addChild(node);
 }
 
+void moveNamed(XObject& object, sg::Node& parent) {
+    XObjectEvents::Comparison const comparison(object);
+    std::wstring const name = object.Name();
+    moveNode(*object.getNode(), parent);
+    object.SetName(name);
+}
+
+// Of an object that is being created: its first parent is no new one.
+XObject& settle(XObject& object, XObject const& parent) {
+    XObjectEvents::Pause const pause(object.Database());
+    return object.SetParent(parent);
+}
+
 }  // namespace
 
 XObject XScene::CreateNode(std::wstring const& nodeType) { return CreateNode(nodeType, XObject::Undefined); }
@@ -25,10 +39,11 @@ XObject XScene::CreateNode(std::wstring const& nodeType) { return CreateNode(nod
 XObject XScene::CreateNode(std::wstring const& nodeType, XObject const& parent) {
     XObject object = XDatabase::CreateNode(nodeType, parent);
     if (!object.IsValid() || parent.IsValid()) return object;
-    if (isTransform(object))
-        object.SetParent(RootObject());
-    else if (object.SupportsType(XShape::TypeID))
-        object.SetParent(CreateObject(XTransform::TypeID));
+    if (isTransform(object)) return settle(object, RootObject());
+    if (!object.SupportsType(XShape::TypeID)) return object;
+    BeginChangeBlock();  // who is told of the shape finds it below its transform
+    settle(object, CreateObject(XTransform::TypeID));
+    EndChangeBlock();
     return object;
 }
 
@@ -39,9 +54,7 @@ void XScene::reparent(XObject& object, XObject const& parent, bool, bool keepWor
     XTransform transform(object);
     std::optional<XMatrix> world;
     if (keepWorld && transform.IsValid()) world = transform.WorldMatrix().Matrix();
-    std::wstring const name = object.Name();
-    moveNode(*object.getNode(), *target.getNode());
-    object.SetName(name);
+    moveNamed(object, *target.getNode());
     if (world) transform.SetWorldMatrix(*world);
     EndChangeBlock();
 }

@@ -2,6 +2,7 @@
 #include "qel/utils/text.h"
 #include "tavo/objects/attribute_kinds.h"
 #include "tavo/objects/database.h"
+#include "tavo/objects/object_events.h"
 #include <algorithm>
 #include <new>
 #include <stdexcept>
@@ -11,6 +12,18 @@ namespace {
 
 // The attribute's own read-only flag is not asked: it is for the interface.
 bool mayWrite(XAttribute const& attribute) { return attribute.IsValid() && attribute.Object().IsEditable(); }
+
+template<class Kind> void write(XAttribute const& attribute, typename Kind::Value const& value, int index) {
+    if (mayWrite(attribute)) writeValue<Kind>(attribute.getAttribute(), value, index);
+}
+
+// An object's name is a text of it.
+template<> void write<XStringKind>(XAttribute const& attribute, std::wstring const& value, int index) {
+    if (!mayWrite(attribute)) return;
+    XObject const object = attribute.Object();
+    XObjectEvents::Comparison const comparison(object);
+    writeValue<XStringKind>(attribute.getAttribute(), value, index);
+}
 
 template<class Kind>
 void writeValues(XAttribute const& attribute, Qelutils::Vector<typename Kind::Value> const& values) {
@@ -63,10 +76,7 @@ std::span<wchar_t const* const> wordsOf(db::Attribute const* a) {
 #define TAVO_VALUE_KIND(Name, readAt, Plural, Parameter, Kind)                                                         \
     Kind::Value XAttribute::readAt(int index) const { return readValue<Kind>(getAttribute(), index); }                 \
     void XAttribute::Plural(Qelutils::Vector<Kind::Value>& out) const { readValues<Kind>(getAttribute(), out); }       \
-    XAttribute& XAttribute::Set##Name(Parameter value, int index) {                                                    \
-        if (mayWrite(*this)) writeValue<Kind>(getAttribute(), value, index);                                           \
-        return *this;                                                                                                  \
-    }                                                                                                                  \
+    XAttribute& XAttribute::Set##Name(Parameter value, int index) { return write<Kind>(*this, value, index), *this; }  \
     XAttribute& XAttribute::Add##Name(Parameter value) { return append<Kind>(*this, value), *this; }                   \
     XAttribute& XAttribute::Insert##Name(Parameter value, int index) {                                                 \
         return InsertValue(index) ? Set##Name(value, index) : *this;                                                   \

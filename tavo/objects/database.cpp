@@ -81,8 +81,13 @@ XObject* XDatabase::CreateObject(XObject const& object) const {
 XObject XDatabase::CreateNode(std::wstring const& nodeType, XObject const& parent) {
     XObject object(_graph ? _graph->CreateNode(nodeType, {}) : nullptr);
     if (!object.IsValid()) return XObject::Undefined;
-    if (parent.IsValid()) object.SetParent(parent, false, false);
-    return object.SetName(nodeType).Initialize();
+    {
+        XObjectEvents::Pause const pause(*this);
+        if (parent.IsValid()) object.SetParent(parent, false, false);
+        object.SetName(nodeType).Initialize();
+    }
+    XObjectEvents::Note(XObjectEvents::Created, object);
+    return object;
 }
 XObject XDatabase::CreateNode(std::wstring const& nodeType) { return CreateNode(nodeType, XObject()); }
 

@@ -1,6 +1,7 @@
 // Edits of all objects that a pattern matches. The matches are found once and held as handles: what an edit takes along
 // reads invalid and is skipped, so that n objects cost n steps and changed paths mislead nobody.
 #include "tavo/objects/database.h"
+#include "tavo/objects/object_deletion.h"
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -53,7 +54,7 @@ void XDatabase::RemoveObjects(std::wstring const& pattern) {
     for (auto object = matches.rbegin(); object != matches.rend(); ++object) {
         if (!object->IsValid()) continue;
         ReparentChildObjects(*object);
-        object->Delete();
+        XObject::Deletion(XObjectEvents::Removed).Run(*object);
         if (object->IsValid()) break;
     }
 }

@@ -127,7 +127,9 @@ XObject& XObject::SetName(std::wstring const& name) { return SetName(name, false
 
 // The database's index of names finds the number, so that n like-named siblings cost no walk.
 XObject& XObject::SetName(std::wstring const& name, bool force) {
-    if (hasLiveNode() && (force || dynamicSupportsRenaming())) getNode()->setName(name);
+    if (!hasLiveNode() || !(force || dynamicSupportsRenaming())) return *this;
+    XObjectEvents::Comparison const comparison(*this);
+    getNode()->setName(name);
     return *this;
 }
 
@@ -190,7 +192,11 @@ XObject XObject::copy(std::wstring const& name) {
     XChangeBlock const block(*database(), label);
     XObject copied(getNode()->makeCopy(name.empty() ? Name() + L"_copy" : name));
     XObject const parent = Parent();
-    if (copied.IsValid() && copied.SupportsReparenting() && parent.IsValid()) copied.SetParent(parent);
+    if (copied.IsValid() && copied.SupportsReparenting() && parent.IsValid()) {
+        XObjectEvents::Pause const pause(*database());
+        copied.SetParent(parent);
+    }
+    XObjectEvents::NoteCopies(copied);
     return copied;
 }
 

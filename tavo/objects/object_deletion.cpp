@@ -1,31 +1,11 @@
-// How an object goes, and what goes with it. Hierarchies and chains of inputs may be of any depth: what is under way is
-// kept in a list and not on the call stack.
+// How an object goes, and what goes with it.
+#include "tavo/objects/object_deletion.h"
 #include "qel/sg/transform_node.h"
 #include "tavo/app/application.h"
-#include "tavo/objects/attribute.h"
 #include "tavo/objects/database.h"
 #include "tavo/objects/graph_access.h"
-#include "tavo/objects/object.h"
 
 namespace Tavo {
-
-struct XObject::Deletion {
-    // An object between its onDelete and its end, with what goes before it: its inputs that nothing else needs, then
-    // its children.
-    struct Level {
-        XObject object;
-        Qelutils::Vector<XAttribute> inputs;
-        Qelutils::Vector<XObject> children;
-        std::size_t nextInput = 0, nextChild = 0;
-        bool areChildrenListed = false;
-
-        XObject next();  // invalid when there is no more
-    };
-    std::vector<Level> levels;
-
-    void enter(XObject object);
-    void leave();
-};
 
 XObject XObject::Deletion::Level::next() {
     while (nextInput < inputs.size())
@@ -40,8 +20,10 @@ XObject XObject::Deletion::Level::next() {
 void XObject::Deletion::enter(XObject object) {
     if (!object.IsValid() || !object.dynamicSupportsDeletion()) {
         XApplication::Instance().LogError(L"The object '%s' does not support deletion", object.Path());
+        departures.ExpectHierarchy(object);  // it goes all the same with what it stands below
         return;
     }
+    departures.Expect(object);
     object.dynamicOnDelete();
     levels.push_back({object, connectedInputs(object), {}});
 }
@@ -54,21 +36,28 @@ void XObject::Deletion::leave() {
     if (XObject const parent = object.deleteNode(); parent.IsValid()) enter(parent);
 }
 
-void XObject::Delete() {
-    Deletion deletion;
-    deletion.enter(*this);
-    while (!deletion.levels.empty())
-        if (XObject const next = deletion.levels.back().next(); next.IsValid())
-            deletion.enter(next);
+void XObject::Deletion::Run(XObject const& object) {
+    enter(object);
+    while (!levels.empty())
+        if (XObject const next = levels.back().next(); next.IsValid())
+            enter(next);
         else
-            deletion.leave();
+            leave();
 }
+
+void XObject::Delete() { Deletion(XObjectEvents::Deleted).Run(*this); }
 
 void XObject::Remove() {
     if (!dynamicSupportsDeletion() || !IsValid()) return;
     dynamicOnDelete();
     Database().ReparentChildObjects(*this);
-    if (XObject parent = deleteNode(); parent.IsValid()) parent.Delete();
+    XObject parent;
+    {
+        XObjectEvents::Departures departures(XObjectEvents::Removed);
+        departures.ExpectHierarchy(*this);  // a child that could not move goes along
+        parent = deleteNode();
+    }
+    if (parent.IsValid()) parent.Delete();
 }
 
 // What runs before may have taken the object along already: then the parent is not asked for either.

@@ -220,6 +220,7 @@ void XScene::doNotifySceneLoaded() {
 void XScene::doNotifySceneChanged(XSceneChange const& change, bool transient) {
     tellSceneObservers(L"OnSceneChanged", [&](XSceneObserver& each) { each.OnSceneChanged(change, transient); });
     application().ForEachScriptEngine([&](XScriptEngine& engine) { engine.NotifySceneChanged(change, transient); });
+    if (SceneGraph()) SceneGraph()->ObjectEvents().Tell();
 }
 
 void XScene::doNotifySceneSelectionChanged(bool transient) {

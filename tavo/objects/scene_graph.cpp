@@ -75,6 +75,15 @@ void XSceneGraph::onDatabaseChangedPreCommit(db::ChangeSet const& changes, bool 
     _owner.onSceneChangedPreCommit(XDatabaseChange(_owner, changes), transient);
 }
 
+void XSceneGraph::cancel() {
+    _objectEvents.Cancel();
+    sg::Scene::cancel();
+}
+void XSceneGraph::notifyObservers(db::ChangeSet const& changes, bool transient) {
+    XObjectEvents::Telling const telling(_objectEvents);
+    sg::Scene::notifyObservers(changes, transient);
+}
+
 // ---- what the renderer asks ----
 
 bool XSceneGraph::requestClientVisibility(int viewport, sg::Node* node, bool& visible) {

@@ -4,6 +4,7 @@
 #include "qel/sg/scene.h"
 #include "qel/sg/scene_observer.h"
 #include "tavo/app/observers.h"
+#include "tavo/objects/object_events.h"
 #include <array>
 #include <string>
 #include <utility>
@@ -53,6 +54,9 @@ public:
     void UnregisterObserver(db::DatabaseObserver* observer);
 
     void onDatabaseChangedPreCommit(db::ChangeSet const& changes, bool transient) override;
+    void cancel() override;
+    void notifyObservers(db::ChangeSet const& changes, bool transient) override;
+    XObjectEvents& ObjectEvents() { return _objectEvents; }
 
     // What the renderer asks, passed on to the database.
     bool requestClientVisibility(int viewport, sg::Node* node, bool& visible);
@@ -66,6 +70,7 @@ private:
     XDatabase& _owner;
     sg::Renderer* _renderer = nullptr;      // borrowed
     sg::Controller* _controller = nullptr;  // borrowed
+    XObjectEvents _objectEvents{*this};
 };
 
 // Brings what the graph and its controller tell to the database, each to its operation of the same name.

@@ -1,8 +1,11 @@
-// An observer and a script engine that write down what they hear, in one list.
+// An observer and a script engine that write down what they hear, in one list; and an engine that hears of objects.
 #pragma once
 #include "tavo/app/script_engine.h"
 #include "tavo/tavo.h"
+#include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Tavo {
@@ -76,6 +79,44 @@ public:
 
 private:
     std::vector<std::string>& _events;
+};
+
+// A line is "Created 17": what happened, and the id of the object. Whatever is in `answers` under the first word is
+// done once the line is written.
+class ObjectListener : public XScriptEngine {
+public:
+    using Lines = std::vector<std::string>;
+    using Answer = std::function<void(XObject const&)>;
+
+    explicit ObjectListener(bool wants = true) : isWanting(wants) { XApplication::Instance().AddScriptEngine(this); }
+    ~ObjectListener() override { XApplication::Instance().RemoveScriptEngine(this); }
+
+    static std::string line(std::string const& what, XObject const& object) {
+        return what + " " + std::to_string(object.ObjectID());
+    }
+    Lines take() { return std::exchange(lines, {}); }
+
+    bool WantsObjectEvents() const override { return isWanting; }
+    void NotifySceneChanged(XSceneChange const&, bool) override {
+        if (withChanges) lines.push_back("Changed");
+        if (onChanged) onChanged();
+    }
+    void NotifyObjectCreated(XObject const& object) override { hear("Created", object); }
+    void NotifyObjectDeleted(XObject const& object) override { hear("Deleted", object); }
+    void NotifyObjectRemoved(XObject const& object) override { hear("Removed", object); }
+    void NotifyObjectRenamed(XObject const& object) override { hear("Renamed", object); }
+    void NotifyObjectReparented(XObject const& object) override { hear("Reparented", object); }
+
+    Lines lines;
+    std::map<std::string, Answer> answers;
+    std::function<void()> onChanged;
+    bool isWanting, withChanges = false;
+
+private:
+    void hear(std::string const& what, XObject const& object) {
+        lines.push_back(line(what, object));
+        if (auto const answer = answers.find(what); answer != answers.end()) answer->second(object);
+    }
 };
 
 }  // namespace Tavo
