@@ -41,12 +41,14 @@ int describeWithTraceback(lua_State* state) {
     return 1;
 }
 
-// Takes the message off the stack. The status of what was no Lua error is negative, and the message anything.
+// Takes the message off the stack. The status of what was no Lua error is negative, and the message anything. Without
+// memory, what the script left is collected: the buffers of the libraries do not do so themselves when they need room.
 std::string takeError(lua_State* state, int status) {
     std::size_t length = 0;
     char const* text = status > 0 && lua_type(state, -1) == LUA_TSTRING ? lua_tolstring(state, -1, &length) : nullptr;
     std::string error = text ? std::string(text, length) : std::string("an error without a message");
     lua_pop(state, 1);
+    if (status == LUA_ERRMEM) lua_gc(state, LUA_GCCOLLECT);
     return error;
 }
 

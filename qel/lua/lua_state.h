@@ -121,7 +121,7 @@ enum class LuaLibraries {
 // single call of a library function is not interrupted, and a pattern with many repetitions can take long on a long
 // text. With the standard libraries they stop accidents; debug.sethook and __gc get around them.
 struct LuaLimits {
-    std::size_t bytes = 0;  // of memory, all values together
+    std::size_t bytes = 0;  // of memory, all values together, with some that are garbage and not collected yet
     double seconds = 0;     // from each outermost start of a chunk, a call or an action under Protect
 };
 
