@@ -133,31 +133,57 @@ int wrapCoroutine(lua_State* state) {
     return 1;
 }
 
-// A loop of the library over this many elements takes a fraction of a second. A few keys at powers of two, or a __len,
-// can make a table look longer than any loop ever ends.
-constexpr lua_Integer mostElements = 10'000'000;
-
-int forwardUnlessLong(lua_State* state, lua_Unsigned count) {
-    if (count > static_cast<lua_Unsigned>(mostElements)) return luaL_error(state, "too many elements");
+// Many instructions may pass between two looks at the clock: those that can take long look themselves.
+int forwardInTime(lua_State* state) {
+    LuaClock::check(state);
     return forward(state);
 }
 
-int editTable(lua_State* state) {
-    lua_Integer const length = lua_istable(state, 1) ? luaL_len(state, 1) : 0;
-    return forwardUnlessLong(state, length > 0 ? static_cast<lua_Unsigned>(length) : 0);
+// What gives the parts of a source may be a library function, and never end.
+int loadSourceInTime(lua_State* state) {
+    if (lua_isfunction(state, 1)) {
+        lua_pushvalue(state, 1);
+        lua_pushcclosure(state, forwardInTime, 1);
+        lua_replace(state, 1);
+    }
+    return loadSource(state);
 }
 
-int moveElements(lua_State* state) {
-    lua_Integer const first = luaL_checkinteger(state, 2), last = luaL_checkinteger(state, 3);
+// A loop of the library over this many elements takes a fraction of a second. A few keys at powers of two, or a __len,
+// can make a table look longer than any loop ever ends.
+constexpr lua_Unsigned mostElements = 10'000'000;
+
+int forwardUnlessLong(lua_State* state, lua_Unsigned count) {
+    if (count > mostElements) return luaL_error(state, "too many elements");
+    return forwardInTime(state);
+}
+
+int forwardRange(lua_State* state, lua_Integer first, lua_Integer last) {
     auto const distance = static_cast<lua_Unsigned>(last) - static_cast<lua_Unsigned>(first);
     return forwardUnlessLong(state, last > first ? distance : 0);
+}
+
+lua_Integer lengthOf(lua_State* state, int index) { return lua_istable(state, index) ? luaL_len(state, index) : 0; }
+
+int sortTable(lua_State* state) { return forwardRange(state, 0, lengthOf(state, 1)); }
+// At the end of a table there is nothing to move.
+int insertElement(lua_State* state) { return lua_gettop(state) > 2 ? sortTable(state) : forward(state); }
+int removeElement(lua_State* state) { return lua_gettop(state) > 1 ? sortTable(state) : forward(state); }
+
+int moveElements(lua_State* state) {
+    return forwardRange(state, luaL_checkinteger(state, 2), luaL_checkinteger(state, 3));
+}
+
+int joinTable(lua_State* state) {
+    lua_Integer const first = luaL_optinteger(state, 3, 1);
+    return forwardRange(state, first, lua_isnoneornil(state, 4) ? lengthOf(state, 1) : luaL_checkinteger(state, 4));
 }
 
 int repeatText(lua_State* state) {
     std::size_t length = 0, separator = 0;
     luaL_checklstring(state, 1, &length);
     luaL_optlstring(state, 3, "", &separator);
-    return forwardUnlessLong(state, length + separator ? 0 : static_cast<lua_Unsigned>(luaL_checkinteger(state, 2)));
+    return forwardRange(state, 0, length + separator ? 0 : luaL_checkinteger(state, 2));
 }
 
 // ---- which ----
@@ -198,11 +224,26 @@ void openHarmless(lua_State* state) {
 
 void openSandboxed(lua_State* state) {
     openHarmless(state);
-    wrapLibrary(state, LUA_GNAME, {{"load", loadSource}, {"setmetatable", setMetatable}, {"xpcall", callWithHandler}});
+    wrapLibrary(state, LUA_GNAME,
+                {{"load", loadSourceInTime},
+                 {"setmetatable", setMetatable},
+                 {"xpcall", callWithHandler},
+                 {"collectgarbage", forwardInTime}});
     wrapLibrary(state, LUA_COLIBNAME, {{"resume", resume}, {"close", resume}, {"wrap", wrapCoroutine}});
     wrapLibrary(state, LUA_TABLIBNAME,
-                {{"insert", editTable}, {"remove", editTable}, {"sort", editTable}, {"move", moveElements}});
-    wrapLibrary(state, LUA_STRLIBNAME, {{"rep", repeatText}});
+                {{"insert", insertElement},
+                 {"remove", removeElement},
+                 {"sort", sortTable},
+                 {"move", moveElements},
+                 {"concat", joinTable}});
+    wrapLibrary(state, LUA_STRLIBNAME,
+                {{"rep", repeatText},
+                 {"find", forwardInTime},
+                 {"match", forwardInTime},
+                 {"gsub", forwardInTime},
+                 {"upper", forwardInTime},
+                 {"lower", forwardInTime},
+                 {"reverse", forwardInTime}});
 }
 
 void openStandard(lua_State* state) {

@@ -137,7 +137,8 @@ public:
     LuaLibraries Libraries() const { return libraries_; }
 
     // A script that needs more memory gets an error, "not enough memory", which it may catch; the state is as usable as
-    // before. One that needs more time ends with a message that it can not keep from coming through.
+    // before. One that needs more time ends with a message that it can not keep from coming through. A script that runs
+    // has the new time from now on.
     void SetLimits(LuaLimits const& limits);
     std::size_t BytesInUse() const;
 
