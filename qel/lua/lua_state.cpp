@@ -1,49 +1,105 @@
 #include "qel/lua/lua_state.h"
 #include "qel/lua/lua_clock.h"
 #include "qel/utils/text.h"
+#include <algorithm>
+#include <exception>
 #include <fstream>
 #include <iterator>
 #include <lua.hpp>
+#include <sstream>
 
 namespace LuaPlus {
 namespace {
 
 constexpr char const* onlySource = "t";
 
-// The message as it is, or what stands for it, and where it happened.
-int traceback(lua_State* state) {
-    char const* message = lua_tostring(state, 1);
-    if (!message) message = luaL_tolstring(state, 1, nullptr);
-    luaL_traceback(state, state, message, 1);
+// Where no script is below that could take a Lua error.
+bool hasRoom(lua_State* state, int count) { return lua_checkstack(state, count) != 0; }
+
+bool isText(lua_State* state, int index) {
+    int const type = lua_type(state, index);
+    return type == LUA_TSTRING || type == LUA_TNUMBER;
+}
+
+// The message as text, in place of what may be anything. A __tostring that fails has its own message handled so.
+int describe(lua_State* state) {
+    lua_settop(state, 1);
+    if (isText(state, 1))
+        lua_tostring(state, 1);
+    else if (luaL_getmetafield(state, 1, "__tostring") != LUA_TNIL)
+        luaL_tolstring(state, 1, nullptr);
+    else
+        lua_pushfstring(state, "an error without a message (a %s value)", luaL_typename(state, 1));
     return 1;
 }
 
-// Takes the message off the stack. What is not text tells of itself without a metamethod, which could fail again.
-std::string takeError(lua_State* state) {
+int describeWithTraceback(lua_State* state) {
+    describe(state);
+    lua_pushliteral(state, "\n");
+    luaL_traceback(state, state, nullptr, 1);
+    lua_concat(state, 3);
+    return 1;
+}
+
+// Takes the message off the stack. The status of what was no Lua error is negative, and the message anything. Without
+// memory, what the script left is collected: the buffers of the libraries do not do so themselves when they need room.
+std::string takeError(lua_State* state, int status) {
     std::size_t length = 0;
-    char const* text = lua_type(state, -1) == LUA_TSTRING ? lua_tolstring(state, -1, &length) : nullptr;
+    char const* text = status > 0 && lua_type(state, -1) == LUA_TSTRING ? lua_tolstring(state, -1, &length) : nullptr;
     std::string error = text ? std::string(text, length) : std::string("an error without a message");
     lua_pop(state, 1);
+    if (status == LUA_ERRMEM) lua_gc(state, LUA_GCCOLLECT);
     return error;
 }
 
+struct Action {
+    std::function<void()> const& run;
+    std::exception_ptr failure;
+};
+
 int runAction(lua_State* state) {
-    auto const& action = *static_cast<std::function<void()> const*>(lua_touserdata(state, 1));
+    auto& action = *static_cast<Action*>(lua_touserdata(state, 1));
     lua_settop(state, 0);
-    action();
+    try {
+        action.run();
+    } catch (std::exception const&) { action.failure = std::current_exception(); }
     return 0;
+}
+
+// Without the mark of UTF-8 and without a first line that tells a shell how to run the script; the line's end stays, so
+// that lines keep their numbers.
+std::string_view source(std::string_view text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (text.starts_with(mark)) text.remove_prefix(mark.size());
+    if (text.starts_with('#')) text.remove_prefix(std::min(text.find('\n'), text.size()));
+    return text;
 }
 
 }  // namespace
 
 int LuaState::GetTop() const { return lua_gettop(state_); }
 void LuaState::Pop(int count) const { lua_pop(state_, count); }
-void LuaState::PushNil() const { lua_pushnil(state_); }
-void LuaState::PushBoolean(bool value) const { lua_pushboolean(state_, value); }
-void LuaState::PushInteger(long long value) const { lua_pushinteger(state_, value); }
-void LuaState::PushNumber(double value) const { lua_pushnumber(state_, value); }
+void LuaState::PushNil() const {
+    luaL_checkstack(state_, 1, nullptr);
+    lua_pushnil(state_);
+}
+void LuaState::PushBoolean(bool value) const {
+    luaL_checkstack(state_, 1, nullptr);
+    lua_pushboolean(state_, value);
+}
+void LuaState::PushInteger(long long value) const {
+    luaL_checkstack(state_, 1, nullptr);
+    lua_pushinteger(state_, value);
+}
+void LuaState::PushNumber(double value) const {
+    luaL_checkstack(state_, 1, nullptr);
+    lua_pushnumber(state_, value);
+}
 void LuaState::PushString(std::wstring_view text) const { PushUtf8(Qelutils::toUtf8(text)); }
-void LuaState::PushUtf8(std::string_view text) const { lua_pushlstring(state_, text.data(), text.size()); }
+void LuaState::PushUtf8(std::string_view text) const {
+    luaL_checkstack(state_, 1, nullptr);
+    lua_pushlstring(state_, text.data(), text.size());
+}
 
 LuaObject LuaState::Stack(int index) const { return LuaObject(state_, index); }
 
@@ -73,156 +129,58 @@ LuaObject LuaState::CreateTable() const {
 }
 
 int LuaState::DoString(std::string_view text, std::string const& name, std::string& error) const {
-    // The first line of a script may tell a shell how to run it.
-    bool const hasShebang = !text.empty() && text.front() == '#';
-    std::string_view const source = hasShebang ? text.substr(std::min(text.find('\n'), text.size())) : text;
-    int const status = luaL_loadbufferx(state_, source.data(), source.size(), name.c_str(), onlySource);
-    if (status != LUA_OK) return error = takeError(state_), status;
+    LuaClock const clock(state_);
+    if (!hasRoom(state_, 1)) return error = "stack overflow", LUA_ERRMEM;
+    std::string_view const chunk = source(text);
+    int const status = luaL_loadbufferx(state_, chunk.data(), chunk.size(), name.c_str(), onlySource);
+    if (status != LUA_OK) return error = takeError(state_, status), status;
     return Call(0, 0, error);
 }
 
 int LuaState::DoFile(std::wstring const& path, std::string& error) const {
     std::string const name = Qelutils::toUtf8(path);
     std::ifstream file(name, std::ios::binary);
-    std::string const text{std::istreambuf_iterator<char>(file), {}};
-    // A directory opens and fails at the first read.
-    if (!file.is_open() || file.bad()) return error = "cannot read " + name, LUA_ERRFILE;
-    return DoString(text, "@" + name, error);
+    std::ostringstream text;
+    // A directory opens, and fails at the first read; so does an empty file, without being bad.
+    if (file && file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
+    if (!file.is_open() || file.bad() || !text) return error = "cannot read " + name, LUA_ERRFILE;
+    return DoString(text.str(), "@" + name, error);
 }
 
 int LuaState::Call(int arguments, int results, std::string& error) const {
     LuaClock const clock(state_);
+    if (!hasRoom(state_, std::max(results, 0) + 1)) {
+        lua_pop(state_, arguments + 1);
+        return error = "stack overflow", LUA_ERRMEM;
+    }
     int const handler = lua_gettop(state_) - arguments;
-    lua_pushcfunction(state_, traceback);
+    lua_pushcfunction(state_, describeWithTraceback);
     lua_insert(state_, handler);
     int const status = lua_pcall(state_, arguments, results, handler);
-    if (status != LUA_OK) error = takeError(state_);
+    if (status != LUA_OK) error = takeError(state_, status);
     lua_remove(state_, handler);
-    return status;
+    return status < 0 ? LUA_ERRRUN : status;
 }
 
 void LuaState::Protect(std::function<void()> const& action) const {
+    LuaClock const clock(state_);
+    if (!hasRoom(state_, 3)) throw LuaException("stack overflow");
+    Action call{action, nullptr};
+    int const handler = lua_gettop(state_) + 1;
+    lua_pushcfunction(state_, describe);
     lua_pushcfunction(state_, runAction);
-    lua_pushlightuserdata(state_, const_cast<std::function<void()>*>(&action));
-    if (lua_pcall(state_, 1, 0, 0) != LUA_OK) throw LuaException(takeError(state_));
+    lua_pushlightuserdata(state_, &call);
+    int const status = lua_pcall(state_, 1, 0, handler);
+    std::string const error = status == LUA_OK ? std::string() : takeError(state_, status);
+    lua_remove(state_, handler);
+    if (call.failure) std::rethrow_exception(call.failure);
+    if (status != LUA_OK) throw LuaException(error);
 }
 
-// ---- objects ----
-
-LuaObject::LuaObject(lua_State* state, int index) {
-    lua_pushvalue(state, index);
-    reference_ = luaL_ref(state, LUA_REGISTRYINDEX);
-    lua_rawgeti(state, LUA_REGISTRYINDEX, LUA_RIDX_MAINTHREAD);
-    state_ = lua_tothread(state, -1);
-    lua_pop(state, 1);
-}
-
-LuaObject::LuaObject(LuaObject const& other) {
-    if (!other.state_) return;
-    LuaState(other.state_).Protect([&] {
-        other.Push(other.state_);
-        reference_ = luaL_ref(other.state_, LUA_REGISTRYINDEX);
-    });
-    state_ = other.state_;
-}
-
-LuaObject& LuaObject::operator=(LuaObject other) noexcept {
-    std::swap(state_, other.state_);
-    std::swap(reference_, other.reference_);
-    return *this;
-}
-
-LuaObject::~LuaObject() {
-    if (state_) luaL_unref(state_, LUA_REGISTRYINDEX, reference_);
-}
-
-void LuaObject::Push(lua_State* state) const {
-    if (state_)
-        lua_rawgeti(state, LUA_REGISTRYINDEX, reference_);
-    else
-        lua_pushnil(state);
-}
-
-template<class Read> auto LuaObject::read(Read const& read) const {
-    if (!state_) return decltype(read(state_))();
-    Push(state_);
-    auto const value = read(state_);
-    lua_pop(state_, 1);
-    return value;
-}
-
-bool LuaObject::IsNil() const {
-    return !read([](lua_State* state) { return !lua_isnil(state, -1); });
-}
-bool LuaObject::IsTable() const {
-    return read([](lua_State* state) { return lua_istable(state, -1); });
-}
-bool LuaObject::IsFunction() const {
-    return read([](lua_State* state) { return lua_isfunction(state, -1); });
-}
-bool LuaObject::IsString() const {
-    return read([](lua_State* state) { return lua_type(state, -1) == LUA_TSTRING; });
-}
-bool LuaObject::IsNumber() const {
-    return read([](lua_State* state) { return lua_type(state, -1) == LUA_TNUMBER; });
-}
-
-double LuaObject::ToNumber(double otherwise) const {
-    return IsNumber() ? read([](lua_State* state) { return lua_tonumber(state, -1); }) : otherwise;
-}
-
-std::wstring LuaObject::ToString() const {
-    std::wstring text;
-    if (!IsString() && !IsNumber()) return text;
-    LuaState(state_).Protect([&] {
-        Push(state_);
-        std::size_t length = 0;
-        char const* characters = lua_tolstring(state_, -1, &length);
-        text = Qelutils::fromUtf8({characters, length});
-    });
-    return text;
-}
-
-LuaObject LuaObject::GetByName(char const* name) const {
-    LuaObject value;
-    if (!IsTable()) return value;
-    LuaState(state_).Protect([&] {
-        Push(state_);
-        lua_getfield(state_, -1, name);
-        value = LuaObject(state_, -1);
-    });
-    return value;
-}
-
-void LuaObject::set(char const* name, std::function<void(lua_State*)> const& push) const {
-    if (!IsTable()) return;
-    LuaState(state_).Protect([&] {
-        Push(state_);
-        push(state_);
-        lua_setfield(state_, -2, name);
-    });
-}
-
-void LuaObject::SetObject(char const* name, LuaObject const& value) const {
-    set(name, [&](lua_State* state) { value.Push(state); });
-}
-void LuaObject::SetInteger(char const* name, long long value) const {
-    set(name, [&](lua_State* state) { lua_pushinteger(state, value); });
-}
-void LuaObject::SetNumber(char const* name, double value) const {
-    set(name, [&](lua_State* state) { lua_pushnumber(state, value); });
-}
-void LuaObject::SetString(char const* name, std::wstring_view value) const {
-    set(name, [&](lua_State* state) { LuaState(state).PushString(value); });
-}
-
-bool LuaObject::operator==(LuaObject const& other) const {
-    if (!state_ || !other.state_) return IsNil() && other.IsNil();
-    Push(state_);
-    other.Push(state_);
-    bool const same = lua_rawequal(state_, -1, -2) != 0;
-    lua_pop(state_, 2);
-    return same;
+int LuaState::Guard(std::function<int()> const& work) const {
+    try {
+        return work();
+    } catch (std::exception const& failure) { return luaL_error(state_, "%s", failure.what()); }
 }
 
 }  // namespace LuaPlus

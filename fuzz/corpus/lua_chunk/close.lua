@@ -1,0 +1,1 @@
+local x <close> = setmetatable({}, {__close = function() error("late") end}) error({})

@@ -1,0 +1,1 @@
+error(setmetatable({}, {__tostring = function(t) error(t) end}))

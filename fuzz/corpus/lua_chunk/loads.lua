@@ -1,0 +1,1 @@
+load(string.dump(function() end), "n", "b") load("return " .. ("("):rep(500))

@@ -1,0 +1,1 @@
+local t = {} for i = 1, 1e9 do t[i] = string.rep("x", 1000) .. i end
