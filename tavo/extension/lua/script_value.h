@@ -60,10 +60,16 @@ template<> struct XScriptValue<XKeyframe> {
     static XKeyframe Read(XScriptCall& call) { return call.TakeKeyframe(); }
     static void Push(XScriptCall& call, XKeyframe const& value) { call.Push(value); }
 };
+// The object as one of that type, or else an invalid handle: members go to attributes by number, and those of another
+// type mean something else.
+template<std::derived_from<XObject> Handle> Handle handleOf(XObject const& object) {
+    Handle const handle(object);
+    return handle.IsValid() ? handle : Handle();
+}
 // Any handle: a table, or a path.
 template<std::derived_from<XObject> Handle> struct XScriptValue<Handle> {
     static XScriptType Type() { return {XScriptKind::Object, Handle::TypeID.c_str()}; }
-    static Handle Read(XScriptCall& call) { return Handle(call.TakeObject()); }
+    static Handle Read(XScriptCall& call) { return handleOf<Handle>(call.TakeObject()); }
     static void Push(XScriptCall& call, Handle const& value) { call.Push(value); }
 };
 template<> struct XScriptValue<XScene*> {
@@ -114,7 +120,7 @@ struct XScriptHandleSelf {
     int GiveBack(XScriptCall& call, bool) const { return call.GiveSelf(); }
 };
 template<std::derived_from<XObject> Handle> struct XScriptSelf<Handle> : XScriptHandleSelf {
-    explicit XScriptSelf(XScriptCall& call) : value(call.SelfObject()) {}
+    explicit XScriptSelf(XScriptCall& call) : value(handleOf<Handle>(call.SelfObject())) {}
     Handle value;
 };
 template<> struct XScriptSelf<XAttribute> : XScriptHandleSelf {
