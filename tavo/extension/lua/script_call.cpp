@@ -332,8 +332,9 @@ int XScriptCall::NumbersInARow() const {
 
 // Three numbers are a vector and four a quaternion; a call takes too few of them for the odd ones to add up.
 int XScriptCall::VectorsLeft() const {
+    int const end = _position + ArgumentsLeft();
     int thirds = 0;
-    for (int i = 0; i < ArgumentsLeft(); ++i) thirds += lua_type(_state, _position + i) == LUA_TNUMBER ? 1 : 3;
+    for (int i = _position; i < end; ++i) thirds += lua_type(_state, i) == LUA_TNUMBER ? 1 : 3;
     return thirds / 3;
 }
 

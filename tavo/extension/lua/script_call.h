@@ -115,12 +115,11 @@ public:
     XDropOff TakeDropOff();
 
     // ---- arguments that decide among several ways to call ----
-    bool IsNextDropOff() const;  // a table with a field of one
-    // The next argument was left out; what stands in its place is for the one after it.
-    void PassOver() { ++_argument; }
-    int ArgumentsLeft() const;  // nils at the end are none
-    int NumbersInARow() const;  // that come next
-    int VectorsLeft() const;    // vectors and quaternions among what is left: tables, or so many numbers
+    bool IsNextDropOff() const;       // a table with a field of one
+    void LeaveOut() { ++_argument; }  // the row's next argument: what was given is the one after it
+    int ArgumentsLeft() const;        // nils at the end are none
+    int NumbersInARow() const;        // that come next
+    int VectorsLeft() const;          // vectors and quaternions among what is left: tables, or so many numbers
 
     // ---- what it is called on ----
     XObject SelfObject();

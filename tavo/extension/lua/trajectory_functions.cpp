@@ -7,9 +7,13 @@ namespace {
 // In front of the value in the middle: given only where all three are.
 struct InVector : std::optional<XVector3> {};
 
-// In front of a value that is a table or so many numbers: a number is a drop-off unless it begins just these. Before a
-// matrix, which is always a table, any number is one.
-template<int components> struct FrontDropOff : std::optional<XDropOff> {};
+// In front of a value that is a table or so many numbers, and may be followed by `more`: a number is a drop-off unless
+// it begins just these.
+template<int components, int more = 0> struct FrontDropOff : std::optional<XDropOff> {};
+using BeforeNumber = FrontDropOff<1>;
+using BeforeVector = FrontDropOff<3>;
+using BeforeQuaternion = FrontDropOff<4>;
+using BeforeMatrix = FrontDropOff<16, 3>;  // and a vector
 
 }  // namespace
 
@@ -17,19 +21,19 @@ template<> struct XScriptValue<InVector> {
     static XScriptType Type() { return {XScriptKind::Vector}; }
     static InVector Read(XScriptCall& call) {
         if (call.VectorsLeft() >= 3) return {XScriptValue<std::optional<XVector3>>::Read(call)};
-        call.PassOver();
+        call.LeaveOut();
         return {};
     }
 };
 
-template<int components> struct XScriptValue<FrontDropOff<components>> {
+template<int components, int more> struct XScriptValue<FrontDropOff<components, more>> {
     static XScriptType Type() { return {XScriptKind::DropOff}; }
-    static FrontDropOff<components> Read(XScriptCall& call) {
+    static FrontDropOff<components, more> Read(XScriptCall& call) {
         int const numbers = call.NumbersInARow();
-        bool const isNumber = numbers > 0 && numbers != components;
+        bool const isNumber = numbers > 0 && numbers != components && numbers != components + more;
         if (!call.HasNext() || isNumber || call.IsNextDropOff())
             return {XScriptValue<std::optional<XDropOff>>::Read(call)};
-        call.PassOver();
+        call.LeaveOut();
         return {};
     }
 };
@@ -118,7 +122,7 @@ std::vector<XScriptFunction> positionFunctions() {
          "A key at the end: a position for a linear one; a position and an out handle for a spline, mirrored on the "
          "other side; all three for a broken spline. Points are in the path's own space, in metres."},
         {"editTranslationKeyframePosition",
-         [](Path& path, Keys const& keys, FrontDropOff<3> const& dropoff, XVector3 const& delta) {
+         [](Path& path, Keys const& keys, BeforeVector const& dropoff, XVector3 const& delta) {
              dropoff ? path.EditTranslationKeyframePosition(keys, *dropoff, delta)
                      : path.EditTranslationKeyframePosition(keys, delta);
          },
@@ -129,8 +133,7 @@ std::vector<XScriptFunction> positionFunctions() {
          {"centre", "radius", "dropoff", "delta"},
          "Moves the keys in a ball, and with a drop-off those around it, by so much in metres."},
         {"scaleTranslationKeyframePosition",
-         [](Path& path, Keys const& keys, FrontDropOff<0> const& dropoff, XMatrix const& frame,
-            OutVector const& scale) {
+         [](Path& path, Keys const& keys, BeforeMatrix const& dropoff, XMatrix const& frame, OutVector const& scale) {
              dropoff ? path.ScaleTranslationKeyframePosition(keys, *dropoff, frame, factors(scale))
                      : path.ScaleTranslationKeyframePosition(keys, frame, factors(scale));
          },
@@ -144,8 +147,7 @@ std::vector<XScriptFunction> positionFunctions() {
          {"centre", "radius", "dropoff", "frame", "scale"},
          "Scales the keys in a ball, and those around it, along the axes of a frame about its origin."},
         {"rotateTranslationKeyframePosition",
-         [](Path& path, Keys const& keys, FrontDropOff<0> const& dropoff, XMatrix const& frame,
-            XVector3 const& rotation) {
+         [](Path& path, Keys const& keys, BeforeMatrix const& dropoff, XMatrix const& frame, XVector3 const& rotation) {
              dropoff ? path.RotateTranslationKeyframePosition(keys, *dropoff, frame, rotation)
                      : path.RotateTranslationKeyframePosition(keys, frame, rotation);
          },
@@ -215,7 +217,7 @@ std::vector<XScriptFunction> rotationKeyFunctions() {
          "A rotation key at a place along the path: an orientation for a linear one; an orientation and a tangent for "
          "a spline; all three for a broken spline. An error is logged where there is one already."},
         {"editRotationKeyframeOrientation",
-         [](Path& path, Places const& attach, FrontDropOff<4> const& dropoff, XQuaternion const& rotation) {
+         [](Path& path, Places const& attach, BeforeQuaternion const& dropoff, XQuaternion const& rotation) {
              dropoff ? path.EditRotationKeyframeOrientation(attach, *dropoff, rotation)
                      : path.EditRotationKeyframeOrientation(attach, rotation);
          },
@@ -226,7 +228,7 @@ std::vector<XScriptFunction> rotationKeyFunctions() {
          {"centre", "radius", "dropoff", "rotation"},
          "Turns the rotation keys in a ball, and those around it."},
         {"editRotationKeyframeAttachPoint",
-         [](Path& path, Places const& attach, FrontDropOff<1> const& dropoff, float delta) {
+         [](Path& path, Places const& attach, BeforeNumber const& dropoff, float delta) {
              dropoff ? path.EditRotationKeyframeAttachPoint(attach, *dropoff, delta)
                      : path.EditRotationKeyframeAttachPoint(attach, delta);
          },
