@@ -5,9 +5,11 @@
 #include "tavo/extension/lua/native.h"
 #include "tavo/extension/lua/script_function.h"
 #include "tavo/objects/scene.h"
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <lua.hpp>
+#include <optional>
 
 namespace Tavo {
 namespace {
@@ -257,6 +259,82 @@ Qelutils::Vector<XObject> XScriptCall::TakeObjects() {
         return isObject;
     });
     return values;
+}
+
+// ---- drop-offs ----
+
+namespace {
+
+constexpr char const *rangeField = "range", *modeField = "mode", *pinchField = "pinch", *bubbleField = "bubble";
+
+std::optional<unsigned> modeOf(lua_State* state, int index) {
+    std::wstring const word = lua_type(state, index) == LUA_TSTRING ? Qelutils::fromUtf8(textOf(state, index)) : L"";
+    bool const isNumber = lua_type(state, index) == LUA_TNUMBER;
+    for (unsigned mode = 0; mode < std::size(XDropOff::ModeNames); ++mode)
+        if (isNumber ? lua_tonumber(state, index) == double(mode) : XDropOff::ModeNames[mode] == word) return mode;
+    return {};
+}
+
+}  // namespace
+
+bool XScriptCall::IsNextDropOff() const {
+    auto const has = [&](char const* field) { return XScriptTables::HasField(_state, _position, field); };
+    return lua_istable(_state, _position) && (has(rangeField) || has(modeField) || has(pinchField) || has(bubbleField));
+}
+
+// Calls read(index) with the field on the stack, if it is there; it says whether the field will do.
+template<class Take> void XScriptCall::takeField(char const* name, char const* wanted, Take const& read) {
+    lua_pushstring(_state, name);
+    lua_rawget(_state, _position);
+    if (!lua_isnil(_state, -1) && !read(lua_gettop(_state)))
+        Fail("argument " + std::to_string(_argument + 1) + " (" + argument().name + ") must have " + wanted +
+             " as its " + name);
+    lua_pop(_state, 1);
+}
+
+XDropOff XScriptCall::TakeDropOff() {
+    if (!begin()) return {};
+    if (IsNextNumber()) return {float(TakeNumber())};
+    if (!IsNextDropOff()) refuse("a range, or a table with range, mode, pinch or bubble");
+    XDropOff value;
+    auto const takeNumber = [&](char const* name, float& out) {
+        takeField(name, "a number", [&](int index) {
+            out = float(lua_tonumber(_state, index));
+            return lua_type(_state, index) == LUA_TNUMBER;
+        });
+    };
+    takeNumber(rangeField, value.m_range);
+    takeNumber(pinchField, value.m_innerTangent);
+    takeNumber(bubbleField, value.m_outerTangent);
+    takeField(modeField, "\"CurveDropoff\" or \"RadialDropoff\"", [&](int index) {
+        std::optional<unsigned> const mode = modeOf(_state, index);
+        value.m_mode = mode.value_or(value.m_mode);
+        return mode.has_value();
+    });
+    end();
+    return value;
+}
+
+// ---- arguments that decide among several ways to call ----
+
+int XScriptCall::ArgumentsLeft() const {
+    int last = lua_gettop(_state);
+    while (last >= _position && lua_isnil(_state, last)) --last;
+    return std::max(last - _position + 1, 0);
+}
+
+int XScriptCall::NumbersInARow() const {
+    int count = 0;
+    while (lua_type(_state, _position + count) == LUA_TNUMBER) ++count;
+    return count;
+}
+
+// Three numbers are a vector and four a quaternion; a call takes too few of them for the odd ones to add up.
+int XScriptCall::VectorsLeft() const {
+    int const end = _position + ArgumentsLeft();
+    int thirds = 0;
+    for (int i = _position; i < end; ++i) thirds += lua_type(_state, i) == LUA_TNUMBER ? 1 : 3;
+    return thirds / 3;
 }
 
 // ---- what it is called on ----

@@ -5,6 +5,7 @@
 // table or its path.
 #pragma once
 #include "qel/lua/lua_state.h"
+#include "tavo/animation/drop_off.h"
 #include "tavo/animation/keyframe.h"
 #include "tavo/extension/lua/native.h"
 #include "tavo/objects/attribute.h"
@@ -44,6 +45,7 @@ enum class XScriptKind {
     Texts,
     Objects,
     Attributes,
+    DropOff,  // a number, its range, or a table
 };
 
 struct XScriptType {
@@ -110,6 +112,15 @@ public:
     Qelutils::Vector<int> TakeIntegers();
     std::vector<std::wstring> TakeTexts();
     Qelutils::Vector<XObject> TakeObjects();
+    // The range alone, or a table with some of range, mode, pinch and bubble.
+    XDropOff TakeDropOff();
+
+    // ---- arguments that decide among several ways to call ----
+    bool IsNextDropOff() const;       // a table with a field of one
+    void LeaveOut() { ++_argument; }  // the row's next argument: what was given is the one after it
+    int ArgumentsLeft() const;        // nils at the end are none
+    int NumbersInARow() const;        // that come next
+    int VectorsLeft() const;          // vectors and quaternions among what is left: tables, or so many numbers
 
     // ---- what it is called on ----
     XObject SelfObject();
@@ -152,6 +163,7 @@ private:
     [[noreturn]] void refuse(char const* wanted) const;
     bool takeComponents(float* out, int count);
     template<class Take> void forEachInList(char const* wanted, Take const& take);
+    template<class Take> void takeField(char const* name, char const* wanted, Take const& read);
     XObject objectAt(int index, bool& isObject) const;
     void beginSelf(long long& object);
     void beginValue();

@@ -6,6 +6,7 @@
 #include "tavo/objects/scene.h"
 #include <concepts>
 #include <functional>
+#include <optional>
 
 namespace Tavo {
 
@@ -108,6 +109,22 @@ template<> struct XScriptValue<Qelutils::Vector<XObject>> {
 template<> struct XScriptValue<Qelutils::Vector<XAttribute>> {
     static XScriptType Type() { return {XScriptKind::Attributes}; }
     static void Push(XScriptCall& call, Qelutils::Vector<XAttribute> const& value) { call.PushList(value); }
+};
+template<> struct XScriptValue<XDropOff> {
+    static XScriptType Type() { return {XScriptKind::DropOff}; }
+    static XDropOff Read(XScriptCall& call) { return call.TakeDropOff(); }
+};
+// What may be missing, where that differs from a default: nil.
+template<class Value> struct XScriptValue<std::optional<Value>> {
+    static XScriptType Type() { return XScriptValue<Value>::Type(); }
+    static std::optional<Value> Read(XScriptCall& call) {
+        bool const isGiven = call.HasNext();
+        Value value = XScriptValue<Value>::Read(call);
+        return isGiven ? std::optional<Value>(std::move(value)) : std::nullopt;
+    }
+    static void Push(XScriptCall& call, std::optional<Value> const& value) {
+        value ? XScriptValue<Value>::Push(call, *value) : call.PushNil();
+    }
 };
 
 // ---- what a function is called on: the table in argument 1 ----
