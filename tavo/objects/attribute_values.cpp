@@ -9,15 +9,6 @@
 namespace Tavo {
 namespace {
 
-// The attribute's own read-only flag is not asked: it is for the interface.
-bool mayWrite(XAttribute const& attribute) { return attribute.IsValid() && attribute.Object().IsEditable(); }
-
-template<class Kind>
-void writeValues(XAttribute const& attribute, Qelutils::Vector<typename Kind::Value> const& values) {
-    if (auto* array = as<typename Kind::Array>(attribute.getAttribute()); array && mayWrite(attribute))
-        array->setValue(values);
-}
-
 template<class Kind> void append(XAttribute const& attribute, typename Kind::Value const& value) {
     if (auto* array = as<typename Kind::Array>(attribute.getAttribute()); array && mayWrite(attribute))
         array->add(stored(value));
