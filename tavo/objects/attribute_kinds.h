@@ -1,5 +1,6 @@
 // The value kinds of attributes: what XAttribute calls a value, and the two classes of the database that hold it, alone
-// or in an array. All that the kinds have in common stands here once; for the files of this folder.
+// or in an array. All that the kinds have in common stands here once; for the files of this folder, and for what
+// carries values of any kind elsewhere.
 #pragma once
 #include "tavo/objects/attribute.h"
 
@@ -55,6 +56,9 @@ template<class Kind> void readValues(db::Attribute* a, Qelutils::Vector<typename
     for (std::size_t i = 0; i < count; ++i) out.push_back(typename Kind::Value(array->getElement(i)));
 }
 
+// The attribute's own read-only flag is not asked: it is for the interface.
+inline bool mayWrite(XAttribute const& attribute) { return attribute.IsValid() && attribute.Object().IsEditable(); }
+
 // Element 0 of an empty array is appended; beyond the end of any other nothing is written.
 template<class Kind> void writeValue(db::Attribute* a, typename Kind::Value const& value, int index) {
     if (auto* single = as<typename Kind::Single>(a)) return single->setValue(stored(value));
@@ -64,6 +68,23 @@ template<class Kind> void writeValue(db::Attribute* a, typename Kind::Value cons
         array->add(stored(value));
     else
         array->setElement(stored(value), std::size_t(index));
+}
+
+// A whole array, in one write.
+template<class Kind>
+void writeValues(XAttribute const& attribute, Qelutils::Vector<typename Kind::Value> const& values) {
+    using Elements = std::decay_t<decltype(std::declval<typename Kind::Array>().raw())>;
+    using Element = typename Elements::value_type;
+    auto* const array = as<typename Kind::Array>(attribute.getAttribute());
+    if (!array || !mayWrite(attribute)) return;
+    if constexpr (std::is_same_v<Elements, Qelutils::Vector<typename Kind::Value>>)
+        array->setValue(values);
+    else {
+        Elements elements;
+        elements.reserve(values.size());
+        for (auto const& value : values) elements.push_back(Element(stored(value)));
+        array->setValue(std::move(elements));
+    }
 }
 
 }  // namespace Tavo

@@ -10,9 +10,6 @@
 namespace Tavo {
 namespace {
 
-// The attribute's own read-only flag is not asked: it is for the interface.
-bool mayWrite(XAttribute const& attribute) { return attribute.IsValid() && attribute.Object().IsEditable(); }
-
 template<class Kind> void write(XAttribute const& attribute, typename Kind::Value const& value, int index) {
     if (mayWrite(attribute)) writeValue<Kind>(attribute.getAttribute(), value, index);
 }
@@ -23,12 +20,6 @@ template<> void write<XStringKind>(XAttribute const& attribute, std::wstring con
     XObject const object = attribute.Object();
     XObjectEvents::Comparison const comparison(object);
     writeValue<XStringKind>(attribute.getAttribute(), value, index);
-}
-
-template<class Kind>
-void writeValues(XAttribute const& attribute, Qelutils::Vector<typename Kind::Value> const& values) {
-    if (auto* array = as<typename Kind::Array>(attribute.getAttribute()); array && mayWrite(attribute))
-        array->setValue(values);
 }
 
 template<class Kind> void append(XAttribute const& attribute, typename Kind::Value const& value) {
