@@ -24,6 +24,12 @@ bool isObjectTable(lua_State* state, int index) {
     return lua_istable(state, index) && XScriptTables::HasField(state, index, XScriptBase::ObjectID);
 }
 
+bool hasPosition(lua_State* state, int index, int position) {
+    bool const has = lua_rawgeti(state, index, position) != LUA_TNIL;
+    lua_pop(state, 1);
+    return has;
+}
+
 bool isInt(double value) {
     return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max() &&
            value == std::floor(value);
@@ -51,6 +57,12 @@ bool XScriptCall::HasNext() const { return !lua_isnoneornil(_state, _position); 
 bool XScriptCall::IsNextNumber() const { return lua_type(_state, _position) == LUA_TNUMBER; }
 bool XScriptCall::IsNextText() const { return lua_type(_state, _position) == LUA_TSTRING; }
 bool XScriptCall::IsNextObject() const { return isObjectTable(_state, _position); }
+bool XScriptCall::IsNextQuaternion() const {
+    return lua_istable(_state, _position) && !IsNextMatrix() &&
+           (XScriptTables::HasField(_state, _position, "w") || hasPosition(_state, _position, 4));
+}
+bool XScriptCall::IsNextMatrix() const { return lua_istable(_state, _position) && hasPosition(_state, _position, 16); }
+int XScriptCall::CountLeft() const { return lua_gettop(_state) - _position + 1; }
 
 bool XScriptCall::begin() {
     if (HasNext()) return true;
@@ -143,6 +155,8 @@ XQuaternion XScriptCall::TakeQuaternion() {
 XMatrix XScriptCall::TakeMatrix() {
     XMatrix value;
     if (!begin()) return value;
+    float values[16];
+    if (takeComponents(values, 16)) return XMatrix(values);
     if (!lua_istable(_state, _position)) refuse("a matrix");
     if (!XScriptTables::MatrixAt(_state, _position, value))
         Fail("argument " + std::to_string(_argument + 1) + " (" + argument().name + ") must be a matrix of 16 numbers");

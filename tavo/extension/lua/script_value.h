@@ -84,6 +84,26 @@ template<> struct XScriptValue<LuaPlus::LuaObject> {
     static void Push(XScriptCall& call, LuaPlus::LuaObject const& value) { call.Push(value); }
 };
 
+// An argument whose absence means something else than a default does.
+template<class Value> struct XScriptValue<std::optional<Value>> {
+    static XScriptType Type() { return XScriptValue<Value>::Type(); }
+    static std::optional<Value> Read(XScriptCall& call) {
+        bool const isGiven = call.HasNext();
+        Value const value = XScriptValue<Value>::Read(call);
+        return isGiven ? std::optional<Value>(value) : std::nullopt;
+    }
+};
+// The same of a value of several numbers in front of a number, which may stand in its place.
+template<class Value> struct XScriptOperand { std::optional<Value> value; };
+template<class Value> struct XScriptValue<XScriptOperand<Value>> {
+    static XScriptType Type() { return XScriptValue<Value>::Type(); }
+    static XScriptOperand<Value> Read(XScriptCall& call) {
+        if (!call.IsNextNumber() || call.CountLeft() > 2) return {XScriptValue<std::optional<Value>>::Read(call)};
+        call.LeaveOut();
+        return {};
+    }
+};
+
 // ---- lists. Each is a table; where texts or objects are wanted, a single one stands for a list of one ----
 
 template<> struct XScriptValue<Qelutils::Vector<float>> {
