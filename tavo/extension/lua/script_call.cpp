@@ -62,8 +62,6 @@ bool XScriptCall::IsNextQuaternion() const {
            (XScriptTables::HasField(_state, _position, "w") || hasPosition(_state, _position, 4));
 }
 bool XScriptCall::IsNextMatrix() const { return lua_istable(_state, _position) && hasPosition(_state, _position, 16); }
-int XScriptCall::CountLeft() const { return lua_gettop(_state) - _position + 1; }
-
 bool XScriptCall::begin() {
     if (HasNext()) return true;
     end();
