@@ -271,6 +271,8 @@ TEST_F(ObjectEvents, ANewDocumentAndOneThatIsOpenedTellNothing) {
 TEST_F(ObjectEvents, SettingsTellNothing) {
     XObject object = application().Settings().CreateObject(XSceneSettings::TypeID);
     ASSERT_TRUE(object.IsValid());
+    EXPECT_FALSE(XObjectEvents::AreNoted(object));  // nobody would ever take them
+    EXPECT_TRUE(XObjectEvents::AreNoted(leaf));
     object.SetName(L"mine", true);
     object.Delete();
     application().Settings().CommitTransient();
@@ -399,9 +401,9 @@ TEST_F(ObjectEvents, WhatIsDoneWhileACreationIsHalfDoneIsToldAsAnyOther) {
 TEST_F(ObjectEvents, AnswersWithoutEndAreStoppedWithOneError) {
     int count = 0;
     engine.answers["Created"] = [&](XObject const&) {
-        for (int i = 0; i < 2; ++i, ++count) inBlock([&] { joint(); });
+        for (int i = 0; i < 2; ++i, ++count) inBlock([&] { joint(), joint(); });
     };
-    inBlock([&] { joint(); });
+    inBlock([&] { joint(), joint(); });
     EXPECT_EQ(int(engine.take().size()), XObjectEvents::MostNestedTellings);
     EXPECT_EQ(count, 2 * XObjectEvents::MostNestedTellings);
     EXPECT_EQ(errors(), Names{L"Scripts answer every event with another: they are not told of what follows"});
