@@ -15,7 +15,7 @@ int takeOrder(XScriptCall& call) {
 }
 
 void mirror(XScriptCall& call, XMatrix& m) {
-    if (call.HasNext() && (!call.IsNextNumber() || call.CountLeft() >= 4)) {
+    if (call.HasNext() && (!call.IsNextNumber() || call.ArgumentsLeft() >= 4)) {
         m.Mirror(call.TakeQuaternion());
         return;
     }
@@ -47,7 +47,7 @@ void setRotation(XScriptCall& call, XMatrix& m) {
 }
 
 void scale(XScriptCall& call, XMatrix& m) {
-    if (call.IsNextNumber() && call.CountLeft() == 1)
+    if (call.IsNextNumber() && call.ArgumentsLeft() == 1)
         m.ScaleBy(float(call.TakeNumber()));
     else if (call.HasNext())
         m.ScaleBy(call.TakeVector());

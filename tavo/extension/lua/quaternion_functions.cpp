@@ -10,7 +10,7 @@ using Operand = XScriptOperand<XQuaternion> const&;
 
 // One operand, which is no matrix, multiplies itself.
 void multiply(XScriptCall& call, XQuaternion& q) {
-    if (call.IsNextMatrix() || call.CountLeft() >= 16) {
+    if (call.IsNextMatrix() || call.ArgumentsLeft() >= 16) {
         q.Multiply(call.TakeMatrix());
         return;
     }

@@ -5,6 +5,7 @@
 #include "tavo/extension/lua/native.h"
 #include "tavo/extension/lua/script_function.h"
 #include "tavo/objects/scene.h"
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <lua.hpp>
@@ -61,7 +62,6 @@ bool XScriptCall::IsNextQuaternion() const {
            (XScriptTables::HasField(_state, _position, "w") || hasPosition(_state, _position, 4));
 }
 bool XScriptCall::IsNextMatrix() const { return lua_istable(_state, _position) && hasPosition(_state, _position, 16); }
-int XScriptCall::CountLeft() const { return lua_gettop(_state) - _position + 1; }
 
 bool XScriptCall::begin() {
     if (HasNext()) return true;
@@ -272,6 +272,14 @@ Qelutils::Vector<XObject> XScriptCall::TakeObjects() {
         return isObject;
     });
     return values;
+}
+
+// ---- arguments that decide among several ways to call ----
+
+int XScriptCall::ArgumentsLeft() const {
+    int last = lua_gettop(_state);
+    while (last >= _position && lua_isnil(_state, last)) --last;
+    return std::max(last - _position + 1, 0);
 }
 
 // ---- what it is called on ----

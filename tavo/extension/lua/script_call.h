@@ -95,8 +95,6 @@ public:
     bool IsNextObject() const;        // or an attribute or a key: a table with an id
     bool IsNextQuaternion() const;    // a table with w or a fourth value, and not a matrix
     bool IsNextMatrix() const;        // a table with sixteen values
-    int CountLeft() const;            // the arguments from the next on
-    void LeaveOut() { ++_argument; }  // the row's next argument: what was given is the one after it
     bool TakeBoolean();
     int TakeInteger();
     double TakeNumber();
@@ -113,6 +111,11 @@ public:
     Qelutils::Vector<int> TakeIntegers();
     std::vector<std::wstring> TakeTexts();
     Qelutils::Vector<XObject> TakeObjects();
+
+    // ---- arguments that decide among several ways to call ----
+    // The next argument was left out; what stands in its place is for the one after it.
+    void PassOver() { ++_argument; }
+    int ArgumentsLeft() const;  // nils at the end are none
 
     // ---- what it is called on ----
     XObject SelfObject();

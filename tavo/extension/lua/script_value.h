@@ -78,13 +78,16 @@ template<> struct XScriptValue<LuaPlus::LuaObject> {
     static void Push(XScriptCall& call, LuaPlus::LuaObject const& value) { call.Push(value); }
 };
 
-// An argument whose absence means something else than a default does.
+// What may be missing, where that differs from a default: nil.
 template<class Value> struct XScriptValue<std::optional<Value>> {
     static XScriptType Type() { return XScriptValue<Value>::Type(); }
     static std::optional<Value> Read(XScriptCall& call) {
         bool const isGiven = call.HasNext();
-        Value const value = XScriptValue<Value>::Read(call);
-        return isGiven ? std::optional<Value>(value) : std::nullopt;
+        Value value = XScriptValue<Value>::Read(call);
+        return isGiven ? std::optional<Value>(std::move(value)) : std::nullopt;
+    }
+    static void Push(XScriptCall& call, std::optional<Value> const& value) {
+        value ? XScriptValue<Value>::Push(call, *value) : call.PushNil();
     }
 };
 // The same of a value of several numbers in front of a number, which may stand in its place.
@@ -92,8 +95,8 @@ template<class Value> struct XScriptOperand { std::optional<Value> value; };
 template<class Value> struct XScriptValue<XScriptOperand<Value>> {
     static XScriptType Type() { return XScriptValue<Value>::Type(); }
     static XScriptOperand<Value> Read(XScriptCall& call) {
-        if (!call.IsNextNumber() || call.CountLeft() > 2) return {XScriptValue<std::optional<Value>>::Read(call)};
-        call.LeaveOut();
+        if (!call.IsNextNumber() || call.ArgumentsLeft() > 2) return {XScriptValue<std::optional<Value>>::Read(call)};
+        call.PassOver();
         return {};
     }
 };

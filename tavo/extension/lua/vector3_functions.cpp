@@ -10,7 +10,7 @@ using Operand = XScriptOperand<XVector3> const&;
 
 // As a point by a matrix; or b by a factor, which is itself where there is no b.
 void multiply(XScriptCall& call, XVector3& v) {
-    if (!call.IsNextNumber() || call.CountLeft() >= 16) {
+    if (!call.IsNextNumber() || call.ArgumentsLeft() >= 16) {
         v.Multiply(call.TakeMatrix());
         return;
     }
