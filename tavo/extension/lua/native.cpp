@@ -13,6 +13,8 @@ template<class Value> Value& upvalue(lua_State* state, int index) {
 int callFunction(lua_State* state) {
     auto const& function = upvalue<XScriptFunction const>(state, RowUpvalue);
     XScriptCall call(state, upvalue<XLuaScript>(state, ScriptUpvalue), function);
+    if (function.MayReachFiles() && call.Script().IsSandboxed())
+        call.Fail("reaches files, which is not allowed in a sandbox");
     return function.Invoke(call);
 }
 

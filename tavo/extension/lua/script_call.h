@@ -109,6 +109,7 @@ public:
     Qelutils::Vector<int> TakeIntegers();
     std::vector<std::wstring> TakeTexts();
     Qelutils::Vector<XObject> TakeObjects();
+    Qelutils::Vector<XObject> TakeMatches();  // as TakeObjects, but that texts are patterns of paths
 
     // ---- what it is called on ----
     XObject SelfObject();

@@ -6,6 +6,7 @@
 #include "tavo/objects/scene.h"
 #include <concepts>
 #include <functional>
+#include <optional>
 
 namespace Tavo {
 
@@ -76,6 +77,15 @@ template<> struct XScriptValue<LuaPlus::LuaObject> {
     static LuaPlus::LuaObject Read(XScriptCall& call) { return call.TakeAny(); }
     static void Push(XScriptCall& call, LuaPlus::LuaObject const& value) { call.Push(value); }
 };
+// Tells what was not given from what is its default.
+template<class Value> struct XScriptValue<std::optional<Value>> {
+    static XScriptType Type() { return XScriptValue<Value>::Type(); }
+    static std::optional<Value> Read(XScriptCall& call) {
+        bool const isGiven = call.HasNext();
+        Value value = XScriptValue<Value>::Read(call);
+        return isGiven ? std::optional<Value>(std::move(value)) : std::nullopt;
+    }
+};
 
 // ---- lists. Each is a table; where texts or objects are wanted, a single one stands for a list of one ----
 
@@ -102,6 +112,14 @@ template<> struct XScriptValue<Qelutils::Vector<XObject>> {
 template<> struct XScriptValue<Qelutils::Vector<XAttribute>> {
     static XScriptType Type() { return {XScriptKind::Attributes}; }
     static void Push(XScriptCall& call, Qelutils::Vector<XAttribute> const& value) { call.PushList(value); }
+};
+// Of a document that is edited: objects, and all that match the patterns among them.
+struct XScriptMatches {
+    Qelutils::Vector<XObject> objects;
+};
+template<> struct XScriptValue<XScriptMatches> {
+    static XScriptType Type() { return {XScriptKind::Objects}; }
+    static XScriptMatches Read(XScriptCall& call) { return {call.TakeMatches()}; }
 };
 
 // ---- what a function is called on: the table in argument 1 ----
