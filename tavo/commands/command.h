@@ -18,8 +18,9 @@ class XSettings;
 class XCommand : public XTyped<XCommand, XObject, sg::CommandBaseNode> {
 public:
     static constexpr XWord TypeID = L"Command";
-    static constexpr bool IsUndoable = true;  // a run makes a step of the history
-    static constexpr int FirstParameter = 8;  // the attribute number at which parameters begin
+    static constexpr bool IsUndoable = true;     // a run makes a step of the history
+    static constexpr bool ReachesFiles = false;  // of the user's; scripts in a sandbox may not run it
+    static constexpr int FirstParameter = 8;     // the attribute number at which parameters begin
 
     using XTyped::XTyped;
     XCommand(XCommand const& other) : XTyped(other) {}  // without the results of the other

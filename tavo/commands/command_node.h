@@ -12,16 +12,17 @@ template<int number> using XParameterNumber = std::integral_constant<int, number
 class XCommandNodeDef : public db::NodeDef {
 public:
     XCommandNodeDef(XWord const& classID, db::NodeDef const& base, std::span<db::AttributeDef const> rows,
-                    std::size_t size, Construct construct, wchar_t const* help, bool isUndoable) :
+                    std::size_t size, Construct construct, wchar_t const* help, bool isUndoable, bool reachesFiles) :
         db::NodeDef(L"sg", classID.c_str(), &base, rows, size, construct),
-        _help(help), _isUndoable(isUndoable) {}
+        _help(help), _isUndoable(isUndoable), _reachesFiles(reachesFiles) {}
 
     wchar_t const* Help() const { return _help; }    // one sentence: what the command does
     bool IsUndoable() const { return _isUndoable; }  // whether a run makes a step of the history
+    bool ReachesFiles() const { return _reachesFiles; }
 
 private:
     wchar_t const* _help;
-    bool _isUndoable;
+    bool _isUndoable, _reachesFiles;
 };
 
 namespace detail {
@@ -89,7 +90,8 @@ public:
     static XCommandNodeDef const& definition() {
         static constexpr auto rows = detail::ownParameters<Command>();
         static XCommandNodeDef const def(detail::commandClassID<Command>(), baseDefinition(), rows,
-                                         sizeof(XCommandNode), &make, Command::Help, Command::IsUndoable);
+                                         sizeof(XCommandNode), &make, Command::Help, Command::IsUndoable,
+                                         Command::ReachesFiles);
         return def;
     }
     static inline db::NodeDef const& Def = definition();

@@ -28,7 +28,28 @@ bool askForFile(wxUtils::FileDialogRequest const& request, std::wstring& path) {
     return answer == wxUtils::DialogOK;
 }
 
+// For one run: whoever runs the command next is asked again.
+std::wstring takeFile(XAttribute parameter) {
+    std::wstring file = parameter.String();
+    if (file.empty()) return file;
+    XDatabase& settings = parameter.Database();
+    settings.BeginChangeBlock();
+    parameter.SetString({});
+    settings.EndChangeBlock();
+    return file;
+}
+
 }  // namespace
+
+void XImportFile::onRun() {
+    std::wstring const file = takeFile(File());
+    file.empty() ? ImportFileWithDialogue() : Settings().ImportFile(file);
+}
+
+void XExportFile::onRun() {
+    std::wstring const file = takeFile(File());
+    file.empty() ? ExportFileWithDialogue() : Settings().ExportFile(file);
+}
 
 void XImportFile::ImportFileWithDialogue() {
     std::wstring path;

@@ -1,5 +1,5 @@
-// Foreign files in and out. The user is asked for the file; the settings find the translator by its extension, which
-// reads the parameters of these commands from the settings' nodes of their names.
+// Foreign files in and out. The user is asked for the file, unless the parameter names it; the settings find the
+// translator by its extension, which reads the parameters of these commands from the settings' nodes of their names.
 #pragma once
 #include "qel/sg/enumerations.h"
 #include "tavo/commands/command_pattern.h"
@@ -22,6 +22,7 @@ public:
 
     static constexpr XWord TypeID = L"ImportFile";
     static constexpr wchar_t const* Help = L"Asks for a file and brings it into the scene.";
+    static constexpr bool ReachesFiles = true;
     using XTyped::XTyped;
 
     TAVO_PARAMETER(8, ImportMode, L"Whether the file's objects join those of the same names, or take their place.",
@@ -32,8 +33,9 @@ public:
                    file_units::AutomaticAngle)
     TAVO_PARAMETER(11, Characterize, L"Makes each imported skeleton a character.", boolean)
     TAVO_PARAMETER(12, ResetTimeline, L"The scene's time range becomes the file's.", boolean, true)
+    TAVO_PARAMETER(13, File, L"Of the next run alone, which then does not ask.", text)
 
-    void onRun() override { ImportFileWithDialogue(); }
+    void onRun() override;
     void ImportFileWithDialogue();
 };
 using XImportFileDef = XTypedDef<XImportFile>;
@@ -42,6 +44,7 @@ class XExportFile : public XCommandType<XExportFile> {
 public:
     static constexpr XWord TypeID = L"ExportFile";
     static constexpr wchar_t const* Help = L"Asks for a file and writes the scene, or what is selected, to it.";
+    static constexpr bool ReachesFiles = true;
     using XTyped::XTyped;
 
     TAVO_PARAMETER(8, LinearUnits, L"Of the file's lengths.", enumeration, file_units::lengths,
@@ -49,8 +52,9 @@ public:
     TAVO_PARAMETER(9, AngularUnits, L"Of the file's angles.", enumeration, file_units::angles,
                    file_units::AutomaticAngle)
     TAVO_PARAMETER(10, ExportSelected, L"Writes only what is selected and all below it.", boolean)
+    TAVO_PARAMETER(11, File, L"Of the next run alone, which then does not ask.", text)
 
-    void onRun() override { ExportFileWithDialogue(); }
+    void onRun() override;
     void ExportFileWithDialogue();
 };
 using XExportFileDef = XTypedDef<XExportFile>;

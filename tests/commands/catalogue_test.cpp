@@ -357,8 +357,10 @@ TEST_F(Catalogue, ParametersStandAtTheirNumbersWithTheirDefaults) {
           {9, L"LinearUnits", 6},
           {10, L"AngularUnits", 2},
           {11, L"Characterize", 0},
-          {12, L"ResetTimeline", 1}}},
-        {L"ExportFile", {{8, L"LinearUnits", 6}, {9, L"AngularUnits", 2}, {10, L"ExportSelected", 0}}}};
+          {12, L"ResetTimeline", 1},
+          {13, L"File", 0}}},
+        {L"ExportFile",
+         {{8, L"LinearUnits", 6}, {9, L"AngularUnits", 2}, {10, L"ExportSelected", 0}, {11, L"File", 0}}}};
     auto const number = [](XAttribute const& a) {
         return a.IsBool() ? double(a.Boolean()) : a.IsEnum() ? a.Enumeration() : a.IsInt() ? a.Integer() : a.Float();
     };

@@ -234,6 +234,38 @@ TEST_F(FileCommands, OfAHostWithoutDialogsLogOneLineAndEndAsIfCancelled) {
     EXPECT_EQ(undoCount(), before + 2);
 }
 
+// ---- where the parameter names the file ----
+
+TEST_F(FileCommands, TakeTheFileOfTheirParameterWithoutAsking) {
+    add({L"ABC"});
+    application().Settings().Object(L"ImportFile").Attribute(L"File").SetString(L"/tmp/in.abc");
+    application().Settings().Object(L"ExportFile").Attribute(L"File").SetString(L"/tmp/out.abc");
+    run(L"ImportFile", L"/tmp/answer.abc");
+    run(L"ExportFile", L"/tmp/answer.abc");
+    EXPECT_TRUE(dialogs.calls.empty());
+    EXPECT_EQ(work, (std::vector<std::wstring>{L"import ABC /tmp/in.abc", L"export ABC /tmp/out.abc"}));
+}
+
+TEST_F(FileCommands, AskAgainAfterTheRunThatTookTheParameter) {
+    add({L"ABC"});
+    XImportFile const import(application().Settings().Object(L"ImportFile"));
+    import.File().SetString(L"/tmp/none.xyz");
+    run(L"ImportFile", L"/tmp/a.abc");
+    EXPECT_EQ(log.errors().back(), L"Unable to import the file at \"/tmp/none.xyz\"");
+    EXPECT_EQ(import.File().String(), L"");
+    run(L"ImportFile", L"/tmp/a.abc");
+    EXPECT_EQ(work, std::vector<std::wstring>{L"import ABC /tmp/a.abc"});
+}
+
+TEST_F(FileCommands, WorkInAHostWithoutDialogsByTheirParameter) {
+    add({L"ABC"});
+    Mirrel::gMirrel.fileDialogs = nullptr;
+    application().Settings().Object(L"ImportFile").Attribute(L"File").SetString(L"/tmp/in.abc");
+    scene().RunCommand(L"ImportFile");
+    EXPECT_EQ(work, std::vector<std::wstring>{L"import ABC /tmp/in.abc"});
+    EXPECT_TRUE(log.entries.empty());
+}
+
 // ---- parameters ----
 
 TEST_F(FileCommands, HaveTheParametersOfTranslators) {
@@ -249,10 +281,11 @@ TEST_F(FileCommands, HaveTheParametersOfTranslators) {
     EXPECT_EQ(written.AngularUnits().Enumeration(), file_units::AutomaticAngle);
     EXPECT_FALSE(written.ExportSelected().Boolean());
     std::vector<std::wstring> names;
-    for (int i = 8; i <= 12; ++i) names.push_back(import.Attribute(i).Name());
-    for (int i = 8; i <= 10; ++i) names.push_back(written.Attribute(i).Name());
+    for (int i = 8; i <= 13; ++i) names.push_back(import.Attribute(i).Name());
+    for (int i = 8; i <= 11; ++i) names.push_back(written.Attribute(i).Name());
     EXPECT_EQ(names, (std::vector<std::wstring>{L"ImportMode", L"LinearUnits", L"AngularUnits", L"Characterize",
-                                                L"ResetTimeline", L"LinearUnits", L"AngularUnits", L"ExportSelected"}));
+                                                L"ResetTimeline", L"File", L"LinearUnits", L"AngularUnits",
+                                                L"ExportSelected", L"File"}));
 }
 
 }  // namespace

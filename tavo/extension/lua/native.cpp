@@ -10,6 +10,8 @@ namespace {
 int callFunction(lua_State* state) {
     auto const& binding = *static_cast<XScriptBinding const*>(lua_touserdata(state, lua_upvalueindex(BindingUpvalue)));
     XScriptCall call(state, engineOf(*binding.engine), binding);
+    if (binding.function->MayReachFiles() && call.Script().IsSandboxed())
+        call.Fail("reaches files, which is not allowed in a sandbox");
     return binding.function->Invoke(call);
 }
 

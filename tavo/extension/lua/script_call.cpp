@@ -349,6 +349,26 @@ int XScriptCall::VectorsLeft() const {
     return thirds / 3;
 }
 
+Qelutils::Vector<XObject> XScriptCall::TakeMatches() {
+    Qelutils::Vector<XObject> all, found;
+    auto const take = [&](int index) {
+        bool const isPattern = lua_type(_state, index) == LUA_TSTRING;
+        if (!isPattern && !isObjectTable(_state, index)) return false;
+        if (!isPattern) return all.push_back(XScriptTables::ObjectAt(_state, index)), true;
+        std::wstring const pattern = Qelutils::fromUtf8(textOf(_state, index));
+        if (!_database || pattern.empty()) return true;
+        _database->Objects(pattern, found);
+        all.insert(all.end(), found.begin(), found.end());
+        return true;
+    };
+    if (!begin()) return all;
+    if (take(_position))
+        end();
+    else
+        forEachInList("a list of objects or patterns of paths", take);
+    return all;
+}
+
 // ---- what it is called on ----
 
 namespace {

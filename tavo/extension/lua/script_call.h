@@ -114,6 +114,7 @@ public:
     Qelutils::Vector<int> TakeIntegers();
     std::vector<std::wstring> TakeTexts();
     Qelutils::Vector<XObject> TakeObjects();
+    Qelutils::Vector<XObject> TakeMatches();  // as TakeObjects, but that texts are patterns of paths
     // The range alone, or a table with some of range, mode, pinch and bubble.
     XDropOff TakeDropOff();
 

@@ -1,6 +1,6 @@
-// A function that scripts can call, as a row: its name, the C++ member or lambda that does the work, its arguments with
-// their defaults, and a line of help. How arguments are read and results given back follows from the C++ signature;
-// so do the reference page and the annotations for editors.
+// A function that scripts can call, as a row: its name, the C++ member, function or lambda that does the work, its
+// arguments with their defaults, and a line of help. How arguments are read and results given back follows from the C++
+// signature; so do the reference page and the annotations for editors.
 //
 // The first parameter of a lambda or function, or the class of a member, is what the function is called on (`self`).
 // One without a result, and one that returns `self` again, gives the script its table back, so that calls chain. One
@@ -125,6 +125,12 @@ struct XScriptFunction::XScriptShape<Return (Class::*)(Parameters...)>
 template<class Class, class Return, class... Parameters>
 struct XScriptFunction::XScriptShape<Return (Class::*)(Parameters...) const>
     : XScriptFunction::Signature<Return (Class::*)(Parameters...) const, false, Return, Class const&, Parameters...> {};
+template<class Return, class Self, class... Parameters>
+struct XScriptFunction::XScriptShape<Return (*)(Self, Parameters...)>
+    : XScriptFunction::Signature<Return (*)(Self, Parameters...), false, Return, Self, Parameters...> {};
+template<class Return, class Self, class... Parameters>
+struct XScriptFunction::XScriptShape<Return (*)(XScriptCall&, Self, Parameters...)>
+    : XScriptFunction::Signature<Return (*)(XScriptCall&, Self, Parameters...), true, Return, Self, Parameters...> {};
 
 template<class Member>
 XScriptFunction::XScriptFunction(char const* name, Member member, std::initializer_list<XScriptArgument> arguments,

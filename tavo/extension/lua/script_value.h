@@ -83,7 +83,6 @@ template<> struct XScriptValue<LuaPlus::LuaObject> {
     static LuaPlus::LuaObject Read(XScriptCall& call) { return call.TakeAny(); }
     static void Push(XScriptCall& call, LuaPlus::LuaObject const& value) { call.Push(value); }
 };
-
 // What may be missing, where that differs from a default: nil.
 template<class Value> struct XScriptValue<std::optional<Value>> {
     static XScriptType Type() { return XScriptValue<Value>::Type(); }
@@ -136,6 +135,14 @@ template<> struct XScriptValue<Qelutils::Vector<XAttribute>> {
 template<> struct XScriptValue<XDropOff> {
     static XScriptType Type() { return {XScriptKind::DropOff}; }
     static XDropOff Read(XScriptCall& call) { return call.TakeDropOff(); }
+};
+// Of a document that is edited: objects, and all that match the patterns among them.
+struct XScriptMatches {
+    Qelutils::Vector<XObject> objects;
+};
+template<> struct XScriptValue<XScriptMatches> {
+    static XScriptType Type() { return {XScriptKind::Objects}; }
+    static XScriptMatches Read(XScriptCall& call) { return {call.TakeMatches()}; }
 };
 
 // ---- what a function is called on: the table in argument 1 ----
