@@ -125,13 +125,6 @@ struct XScriptFunction::XScriptShape<Return (Class::*)(Parameters...)>
 template<class Class, class Return, class... Parameters>
 struct XScriptFunction::XScriptShape<Return (Class::*)(Parameters...) const>
     : XScriptFunction::Signature<Return (Class::*)(Parameters...) const, false, Return, Class const&, Parameters...> {};
-template<class Return, class Self, class... Parameters>
-struct XScriptFunction::XScriptShape<Return (*)(Self, Parameters...)>
-    : XScriptFunction::Signature<Return (*)(Self, Parameters...), false, Return, Self, Parameters...> {};
-template<class Return, class Self, class... Parameters>
-struct XScriptFunction::XScriptShape<Return (*)(XScriptCall&, Self, Parameters...)>
-    : XScriptFunction::Signature<Return (*)(XScriptCall&, Self, Parameters...), true, Return, Self, Parameters...> {};
-
 template<class Member>
 XScriptFunction::XScriptFunction(char const* name, Member member, std::initializer_list<XScriptArgument> arguments,
                                  char const* help, Flags flags) :
