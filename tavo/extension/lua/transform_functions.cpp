@@ -137,21 +137,21 @@ XScriptSet const& TransformFunctions() {
         {"translate", [](XTransform& object, XVector3 const& delta) { object.Translate(delta); }, {"delta"},
          "Moves it on along the axes of its parent, in metres."},
         {"rotate", [](XTransform& object, XVector3 const& angles) { object.RotateByEulerAngles(angles); }, {"angles"},
-         "Turns it on by Euler angles in radians, about X, Y and Z in this order."},
+         "Turns it on by Euler angles in radians, about its parent's X, Y and Z in this order."},
         {"rotateAxisAngle",
          [](XTransform& object, XVector3 const& axis, float angle) {
              object.RotateByAxisAngle(direction(axis), angle);
          },
-         {"axis", "angle"}, "Turns it on about an axis of any length, by an angle in radians."},
+         {"axis", "angle"}, "Turns it on about an axis of its parent of any length, by an angle in radians."},
         {"worldTranslate", [](XTransform& object, XVector3 const& delta) { object.WorldTranslate(delta); }, {"delta"},
          "Moves it on along the axes of the world, in metres."},
         {"worldRotate", [](XTransform& object, XVector3 const& angles) { object.WorldRotateByEulerAngles(angles); },
-         {"angles"}, "Turns it on in the world by Euler angles in radians, by its rotation order."},
+         {"angles"}, "Turns it on by Euler angles in radians about the axes of the world, by its rotation order."},
         {"worldRotateAxisAngle",
          [](XTransform& object, XVector3 const& axis, float angle) {
              object.WorldRotateByAxisAngle(direction(axis), angle);
          },
-         {"axis", "angle"}, "Turns it on in the world about an axis of any length, by an angle in radians."},
+         {"axis", "angle"}, "Turns it on about an axis of the world of any length, by an angle in radians."},
     }};
     // clang-format on
     return set;

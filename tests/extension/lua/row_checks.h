@@ -51,6 +51,7 @@ public:
         if (type == "IKHandle") return handle;
         XObject& other = _others[type];
         if (!other.IsValid()) other = scene->CreateObject(Qelutils::fromUtf8(type));
+        if (!other.IsValid()) other = ofDerived(Qelutils::fromUtf8(type));
         return other;
     }
     bool isWhole() const {
@@ -72,6 +73,16 @@ public:
 
 private:
     template<class Type> Type make(XObject const& parent) { return Type(scene->CreateObject(Type::TypeID, parent)); }
+
+    // Of some type that derives from it: there are no objects of the type itself.
+    XObject ofDerived(std::wstring const& type) {
+        Qelutils::Vector<XObjectDef*> definitions;
+        scene->ObjectDefinitions(definitions);
+        for (XObjectDef* definition : definitions)
+            if (definition->SupportsType(type))
+                if (XObject const made = scene->CreateObject(definition->ObjectType()); made.IsValid()) return made;
+        return {};
+    }
 
     std::map<std::string, XObject> _others;
 };

@@ -134,6 +134,13 @@ TEST_F(TransformFunctionsTest, WorldRotateTurnsOnAboutAxesOfTheWorld) {
     EXPECT_TRUE(expected.IsEqual(matrix("child:worldRotateAxisAngle({0.01, 0, 0}, -0.5):worldMatrix()"), 1e-5f));
 }
 
+TEST_F(TransformFunctionsTest, RotateTurnsAboutTheAxesOfTheParent) {
+    run("child:setRotation(0, 0, math.pi / 2):rotateAxisAngle({1, 0, 0}, math.pi / 2)");
+    EXPECT_NEAR_VECTOR(XVector3(0, 0, 1), local(child).XAxis());
+    run("child:setRotation(0, 0, math.pi / 2):rotate(math.pi / 2, 0, 0)");
+    EXPECT_NEAR_VECTOR(XVector3(0, 0, 1), local(child).XAxis());
+}
+
 TEST_F(TransformFunctionsTest, TurningByNothingChangesNothing) {
     XMatrix const before = local(child);
     run("child:translate():rotate():rotateAxisAngle():worldTranslate():worldRotate():worldRotateAxisAngle()");
