@@ -27,7 +27,7 @@ public:
         scene().New();
         for (int i = 0; i < 2 * curves; ++i) scene().CreateObject(XJoint::TypeID).SetName(L"j" + std::to_wstring(i));
         scene().SceneGraph()->ClearUndoHistory();
-        run(L"rows = {} for i = 1, 100 do rows[i] = app.scene():object('j' .. i - 1).TranslationX end");
+        run(L"rows = {} for i = 1, 100 do rows[i] = app.scene():object('Scene|j' .. i - 1).TranslationX end");
     }
     ~Session() { application().Shutdown(); }
 
@@ -39,7 +39,7 @@ public:
         static std::wstring const label = L"Loop";
         XChangeBlock const block(scene(), label);
         for (int i = curves; i < 2 * curves; ++i)
-            action(scene().Object(L"j" + std::to_wstring(i)).Attribute(L"TranslationX"));
+            action(scene().Object(L"Scene|j" + std::to_wstring(i)).Attribute(L"TranslationX"));
     }
     static void takeBack() {
         while (scene().SceneGraph()->getUndoCount() > 0) scene().Undo();

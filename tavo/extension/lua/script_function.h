@@ -2,8 +2,8 @@
 // their defaults, and a line of help. How arguments are read and results given back follows from the C++ signature;
 // so do the reference page and the annotations for editors.
 //
-// The first parameter of a lambda or function, or the class of a member, is what the function is called on (`self`).
-// One without a result, and one that returns `self` again, gives the script its table back, so that calls chain. One
+// The first parameter of a lambda, or the class of a member, is what the function is called on (`self`). A function
+// without a result, and one that returns `self` again, gives the script its table back, so that calls chain. A lambda
 // that needs the call itself takes an XScriptCall& in front; one that pushes its results itself returns XScriptPushed.
 #pragma once
 #include "tavo/extension/lua/script_value.h"
@@ -113,18 +113,20 @@ struct XScriptFunction::LambdaShape<Lambda, Return (Lambda::*)(XScriptCall&, Sel
 
 template<class Lambda>
 struct XScriptFunction::XScriptShape : XScriptFunction::LambdaShape<Lambda, decltype(&Lambda::operator())> {};
-template<class Return, class Self, class... Parameters>
-struct XScriptFunction::XScriptShape<Return (*)(Self, Parameters...)>
-    : XScriptFunction::Signature<Return (*)(Self, Parameters...), false, Return, Self, Parameters...> {};
-template<class Return, class Self, class... Parameters>
-struct XScriptFunction::XScriptShape<Return (*)(XScriptCall&, Self, Parameters...)>
-    : XScriptFunction::Signature<Return (*)(XScriptCall&, Self, Parameters...), true, Return, Self, Parameters...> {};
 template<class Class, class Return, class... Parameters>
 struct XScriptFunction::XScriptShape<Return (Class::*)(Parameters...)>
     : XScriptFunction::Signature<Return (Class::*)(Parameters...), false, Return, Class&, Parameters...> {};
 template<class Class, class Return, class... Parameters>
 struct XScriptFunction::XScriptShape<Return (Class::*)(Parameters...) const>
     : XScriptFunction::Signature<Return (Class::*)(Parameters...) const, false, Return, Class const&, Parameters...> {};
+
+// Plain functions are like lambdas.
+template<class Return, class Self, class... Parameters>
+struct XScriptFunction::XScriptShape<Return (*)(Self, Parameters...)>
+    : XScriptFunction::Signature<Return (*)(Self, Parameters...), false, Return, Self, Parameters...> {};
+template<class Return, class Self, class... Parameters>
+struct XScriptFunction::XScriptShape<Return (*)(XScriptCall&, Self, Parameters...)>
+    : XScriptFunction::Signature<Return (*)(XScriptCall&, Self, Parameters...), true, Return, Self, Parameters...> {};
 
 template<class Member>
 XScriptFunction::XScriptFunction(char const* name, Member member, std::initializer_list<XScriptArgument> arguments,
