@@ -1,3 +1,4 @@
+#include "tavo/extension/lua/script_sets.h"
 #include "tests/extension/lua/script_fixture.h"
 
 namespace Tavo {
@@ -8,10 +9,10 @@ namespace {
 class AttributeFunctionsTest : public Scripts {
 protected:
     AttributeFunctionsTest() {
-        joint = scene().CreateObject(XJoint::TypeID);
-        run("joint = scene:object('joint')");
+        run("joint = scene:createObject('Joint')");
+        joint = scene().Object(L"Scene|joint");
     }
-    XAttribute custom(XWord const& type, wchar_t const* name) { return joint.AddAttribute(type, name); }
+    XAttribute custom(db::AttributeType type, wchar_t const* name) { return joint.getNode()->addDynamic(type, name); }
     // Of a curve, whose arrays are there for everybody.
     XAnimation curve(wchar_t const* attribute = L"TranslationX") { return joint.Attribute(attribute).Animation(); }
     void giveCurve() {
@@ -35,7 +36,8 @@ using Floats = std::vector<float>;
 
 TEST_F(AttributeFunctionsTest, TellsWhatItIs) {
     XAttribute const x = joint.Attribute(L"TranslationX");
-    EXPECT_EQ(std::to_string(x.AttributeID()) + " true TranslationX Translation X joint.TranslationX Float linear",
+    EXPECT_EQ(std::to_string(x.AttributeID()) +
+                  " true TranslationX Translation X Scene|joint.TranslationX Float linear",
               eval("local a = joint.TranslationX return a:id(), a:isValid(), a:name(), a:displayName(), a:path(), "
                    "a:type(), a:units()"));
     EXPECT_EQ("true", eval("return joint.TranslationX:object() == joint"));
@@ -54,10 +56,11 @@ TEST_F(AttributeFunctionsTest, TellsWhatCanBeDoneWithIt) {
 TEST_F(AttributeFunctionsTest, AnAttributeOfADeletedObjectGivesNothingAndTakesNothing) {
     run("kept = joint.TranslationX");
     joint.Delete();
-    EXPECT_EQ("false -1    nil nil 0 0 nil nil",
-              eval("kept:set(5):add(1):insert(1, 1):delete(1):setSize(3):clear():disconnect():clearKeys() "
-                   "return kept:isValid(), kept:id(), kept:name(), kept:path(), kept:type(), kept:get(), kept:object(), "
-                   "kept:size(), kept:keyCount(), kept:setKey(1, 2), kept:setKey()"));
+    EXPECT_EQ(
+        "false -1    nil nil 0 0 nil nil",
+        eval("kept:set(5):add(1):insert(1, 1):delete(1):setSize(3):clear():disconnect():clearKeys() "
+             "return kept:isValid(), kept:id(), kept:name(), kept:path(), kept:type(), kept:get(), kept:object(), "
+             "kept:size(), kept:keyCount(), kept:setKey(1, 2), kept:setKey()"));
     EXPECT_EQ("false false nil  0", eval("return kept:connect(kept), kept:attribute(1):isValid(), kept:keyAtIndex(1), "
                                          "kept:preExtrapolation(), #kept:curvePoints(0, 1)"));
     EXPECT_TRUE(log.errors().empty());
@@ -68,8 +71,8 @@ TEST_F(AttributeFunctionsTest, AnAttributeOfADeletedObjectGivesNothingAndTakesNo
 TEST_F(AttributeFunctionsTest, NumbersComeAndGo) {
     EXPECT_EQ("1.5", eval("return joint.TranslationX:set(1.5):get()"));
     EXPECT_EQ(1.5F, joint.Attribute(L"TranslationX").Float());
-    custom(XAttribute::DoubleType, L"Wide");
-    custom(XAttribute::IntegerType, L"Whole");
+    custom(db::AttributeType::Double, L"Wide");
+    custom(db::AttributeType::Integer, L"Whole");
     EXPECT_EQ("0.1 7", eval("return joint.Wide:set(0.1):get(), joint.Whole:set(7.0):get()"));
     EXPECT_EQ(7, joint.Attribute(L"Whole").Integer());
     EXPECT_EQ("integer", eval("return math.type(joint.Whole:get())"));
@@ -80,7 +83,7 @@ TEST_F(AttributeFunctionsTest, BooleansAreTakenFromNumbersToo) {
 }
 
 TEST_F(AttributeFunctionsTest, TextsAreUtf8) {
-    XAttribute const label = custom(XAttribute::StringType, L"Label");
+    XAttribute const label = custom(db::AttributeType::String, L"Label");
     EXPECT_EQ("grün", eval("return joint.Label:set('grün'):get()"));
     EXPECT_EQ(L"gr\u00fcn", label.String());
     EXPECT_EQ("12", eval("return joint.Label:set(12):get()"));
@@ -92,8 +95,9 @@ TEST_F(AttributeFunctionsTest, EnumerationsAreWordsAndTakeNumbersToo) {
 }
 
 TEST_F(AttributeFunctionsTest, AnEnumerationRefusesWhatItDoesNotKnow) {
-    std::string const wanted = "script:2: Attribute:set: argument 1 (value) for joint.RotationEulerOrder must be one of "
-                               "XYZ, XZY, YXZ, YZX, ZXY, ZYX or a number from 0 to 5, not ";
+    std::string const wanted =
+        "script:2: Attribute:set: argument 1 (value) for Scene|joint.RotationEulerOrder must be one of "
+        "XYZ, XZY, YXZ, YZX, ZXY, ZYX or a number from 0 to 5, not ";
     EXPECT_EQ(wanted + "string", failure("joint.RotationEulerOrder:set('ABC')"));
     EXPECT_EQ(wanted + "6", failure("joint.RotationEulerOrder:set(6)"));
     EXPECT_EQ(wanted + "boolean", failure("joint.RotationEulerOrder:set(true)"));
@@ -101,9 +105,9 @@ TEST_F(AttributeFunctionsTest, AnEnumerationRefusesWhatItDoesNotKnow) {
 }
 
 TEST_F(AttributeFunctionsTest, VectorsQuaternionsAndMatricesAreTables) {
-    custom(XAttribute::VectorType, L"V");
-    custom(XAttribute::QuaternionType, L"Q");
-    custom(XAttribute::MatrixType, L"M");
+    custom(db::AttributeType::Vector3, L"V");
+    custom(db::AttributeType::Quaternion, L"Q");
+    custom(db::AttributeType::Matrix, L"M");
     EXPECT_EQ("(1, 2, 3) (4, 5, 6) (0, 7, 0)",
               eval("return joint.V:set({1, 2, 3}):get(), joint.V:set(4, 5, 6):get(), joint.V:set({y = 7}):get()"));
     EXPECT_EQ("(0, 0, 1, 0) (1, 0, 0, 0)",
@@ -114,21 +118,21 @@ TEST_F(AttributeFunctionsTest, VectorsQuaternionsAndMatricesAreTables) {
 }
 
 TEST_F(AttributeFunctionsTest, ReferencesAreObjectsOrAttributes) {
-    XAttribute const reference = scene().CreateObject(XIKHandle::TypeID).Attribute(L"RootJoint");
-    ASSERT_TRUE(reference.IsValid() || true);
     run("group = scene:createObject('SelectionGroup') parent = group.ParentGroupReference");
     EXPECT_EQ("nil true true nil",
-              eval("return parent:get(), parent:set(joint):get() == joint, parent:set('joint'):get() == joint, "
+              eval("return parent:get(), parent:set(joint):get() == joint, parent:set('Scene|joint'):get() == joint, "
                    "parent:set():get()"));
-    EXPECT_EQ("TranslationX TranslationY",
-              eval("return parent:set(joint.TranslationX):get():name(), parent:set('joint.TranslationY'):get():name()"));
+    EXPECT_EQ(
+        "TranslationX TranslationY",
+        eval(
+            "return parent:set(joint.TranslationX):get():name(), parent:set('Scene|joint.TranslationY'):get():name()"));
 }
 
 TEST_F(AttributeFunctionsTest, AReferenceRefusesWhatIsNoObjectOfItsScene) {
     run("group = scene:createObject('SelectionGroup') parent = group.ParentGroupReference:set(joint)");
     std::string const start =
-        "script:2: Attribute:set: argument 1 (value) for selectionGroup.ParentGroupReference must be ";
-    EXPECT_EQ(start + "an object, its path or nil, not number", failure("parent:set(5)"));
+        "script:2: Attribute:set: argument 1 (value) for SelectionGroup.ParentGroupReference must be ";
+    EXPECT_EQ(start + "an object, its path or nil, not 5", failure("parent:set(5)"));
     EXPECT_EQ(start + "an object, its path or nil, not table", failure("parent:set({})"));
     EXPECT_EQ(start + "the path of an object, not string", failure("parent:set('nowhere')"));
     EXPECT_EQ(start + "an object of the same scene, not table",
@@ -137,7 +141,8 @@ TEST_F(AttributeFunctionsTest, AReferenceRefusesWhatIsNoObjectOfItsScene) {
 }
 
 TEST_F(AttributeFunctionsTest, AWrongKindNamesFunctionArgumentAndPath) {
-    std::string const start = "script:2: Attribute:set: argument 1 (value) for joint.TranslationX must be a finite number";
+    std::string const start =
+        "script:2: Attribute:set: argument 1 (value) for Scene|joint.TranslationX must be a finite number";
     EXPECT_EQ(start + ", not boolean", failure("joint.TranslationX:set(true)"));
     EXPECT_EQ(start + ", not string", failure("joint.TranslationX:set('far')"));
     EXPECT_EQ(start + ", not table", failure("joint.TranslationX:set({1})"));
@@ -148,12 +153,12 @@ TEST_F(AttributeFunctionsTest, AWrongKindNamesFunctionArgumentAndPath) {
 }
 
 TEST_F(AttributeFunctionsTest, EachKindRefusesOthers) {
-    custom(XAttribute::IntegerType, L"Whole");
-    custom(XAttribute::StringType, L"Label");
-    custom(XAttribute::VectorType, L"V");
-    custom(XAttribute::QuaternionType, L"Q");
-    custom(XAttribute::MatrixType, L"M");
-    std::string const start = "script:2: Attribute:set: argument 1 (value) for joint.";
+    custom(db::AttributeType::Integer, L"Whole");
+    custom(db::AttributeType::String, L"Label");
+    custom(db::AttributeType::Vector3, L"V");
+    custom(db::AttributeType::Quaternion, L"Q");
+    custom(db::AttributeType::Matrix, L"M");
+    std::string const start = "script:2: Attribute:set: argument 1 (value) for Scene|joint.";
     EXPECT_EQ(start + "Whole must be a whole number that fits 32 bits, not 1.5", failure("joint.Whole:set(1.5)"));
     EXPECT_EQ(start + "Whole must be a whole number that fits 32 bits, not 4294967296",
               failure("joint.Whole:set(1 << 32)"));
@@ -174,17 +179,16 @@ TEST_F(AttributeFunctionsTest, AMissingValueIsTheEmptyOne) {
 
 TEST_F(AttributeFunctionsTest, WhatCanNotBeEditedStaysAsItIs) {
     run("joint.TranslationX:set(1)");
-    application().Settings();
-    struct Locked : XJoint {};
-    scene().SetMode(XScene::ReadOnlyMode);
+    scene().SetSceneMode(ReadOnlyMode);
     run("joint.TranslationX:set(5):setKey(1, 2)");
     EXPECT_EQ(1, joint.Attribute(L"TranslationX").Float());
     EXPECT_FALSE(joint.Attribute(L"TranslationX").IsAnimated());
 }
 
 TEST_F(AttributeFunctionsTest, ASingleValueIgnoresTheIndexAndIsNoArray) {
-    EXPECT_EQ("5.0 5.0 0", eval("local a = joint.TranslationX:set(5, 9) a:add(7):insert(7, 1):delete(1):setSize(4):clear() "
-                                "return a:get(), a:get(3), a:size()"));
+    EXPECT_EQ("5.0 5.0 0",
+              eval("local a = joint.TranslationX:set(5, 9) a:add(7):insert(7, 1):delete(1):setSize(4):clear() "
+                   "return a:get(), a:get(3), a:size()"));
 }
 
 TEST_F(AttributeFunctionsTest, AnUndoTakesBackAllThatAScriptSet) {
@@ -227,38 +231,41 @@ TEST_F(AttributeFunctionsTest, AListWithAWrongValueChangesNothing) {
 
 TEST_F(AttributeFunctionsTest, ListsOfEveryKindComeBack) {
     for (auto const& [type, name, list] :
-         {std::tuple{XAttribute::DoubleArrayType, L"D", "{0.5, 2.5}"}, {XAttribute::IntegerArrayType, L"I", "{3, 4}"},
-          {XAttribute::BooleanArrayType, L"B", "{true, false}"}, {XAttribute::StringArrayType, L"S", "{'a', 'b'}"},
-          {XAttribute::VectorArrayType, L"V", "{{1, 2, 3}, {4, 5, 6}}"},
-          {XAttribute::QuaternionArrayType, L"Q", "{{0, 0, 0, 1}, {1, 0, 0, 0}}"}}) {
+         {std::tuple{db::AttributeType::DoubleArray, L"D", "{0.5, 2.5}"},
+          {db::AttributeType::IntegerArray, L"I", "{3, 4}"},
+          {db::AttributeType::BooleanArray, L"B", "{true, false}"},
+          {db::AttributeType::StringArray, L"S", "{'a', 'b'}"},
+          {db::AttributeType::Vector3Array, L"V", "{{1, 2, 3}, {4, 5, 6}}"},
+          {db::AttributeType::QuaternionArray, L"Q", "{{0, 0, 0, 1}, {1, 0, 0, 0}}"}}) {
         custom(type, name);
         std::string const a = "joint." + Qelutils::toUtf8(name);
-        EXPECT_EQ("true", eval("local function show(list) local s = '' for i, v in ipairs(list) do "
-                               "s = s .. (type(v) == 'table' and table.concat(v, ',') or tostring(v)) .. ';' end "
-                               "return s end\nlocal a = " +
-                               a + ":set(" + list + ") local first = show(a:get()) assert(a:size() == 2) a:set(a:get()) " +
-                               "return first == show(a:get()) and first ~= ''"))
+        EXPECT_EQ("true",
+                  eval("local function show(list) local s = '' for i, v in ipairs(list) do "
+                       "s = s .. (type(v) == 'table' and table.concat(v, ',') or tostring(v)) .. ';' end "
+                       "return s end\nlocal a = " +
+                       a + ":set(" + list + ") local first = show(a:get()) assert(a:size() == 2) a:set(a:get()) " +
+                       "return first == show(a:get()) and first ~= ''"))
             << a;
         EXPECT_EQ("0", eval("return " + a + ":set({}):size()")) << a;
     }
 }
 
 TEST_F(AttributeFunctionsTest, AMatrixArrayTakesOneMatrixOrAListOfThem) {
-    custom(XAttribute::MatrixArrayType, L"M");
+    custom(db::AttributeType::MatrixArray, L"M");
     run("one = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 7, 8, 9, 1}");
     EXPECT_EQ("1 2 9.0", eval("local a = joint.M:set(one) local first = a:size() a:set({one, one}) "
                               "return first, a:size(), a:get(2)[15]"));
 }
 
 TEST_F(AttributeFunctionsTest, AVectorIsNoListOfVectors) {
-    custom(XAttribute::VectorArrayType, L"V");
+    custom(db::AttributeType::Vector3Array, L"V");
     EXPECT_EQ("1 (1, 2, 3)", eval("local a = joint.V:set({1, 2, 3}) return a:size(), a:get(1)"));
     EXPECT_EQ("(1, 2, 3) (7, 8, 9)", eval("joint.V:add(4, 5, 6):set(7, 8, 9, 2) return table.unpack(joint.V:get())"));
 }
 
 TEST_F(AttributeFunctionsTest, AListOfReferencesHasFalseForNone) {
     run("group = scene:createObject('SelectionGroup') list = group.ChildGroupReferenceArray");
-    EXPECT_EQ("3 true false true", eval("list:set({joint, false, 'joint'}) local all = list:get() "
+    EXPECT_EQ("3 true false true", eval("list:set({joint, false, 'Scene|joint'}) local all = list:get() "
                                         "return #all, all[1] == joint, all[2], all[3] == joint"));
     EXPECT_EQ("nil 4 true", eval("list:add(group) return list:get(2), list:size(), list:get(4) == group"));
     EXPECT_EQ("1 true", eval("list:set(joint, 1):setSize(1) return list:size(), list:get(1) == joint"));
@@ -304,7 +311,7 @@ TEST_F(AttributeFunctionsTest, AWrongPartChangesNoneOfThem) {
     EXPECT_NE("", failure("joint.Colour:set({1, 1, 'red'})"));
     EXPECT_NE("", failure("joint.Colour:set({1, 1, 1, 1, 1})"));
     EXPECT_NE("", failure("joint.Colour:set(1)"));
-    EXPECT_EQ("script:2: Attribute:set: joint.Colour is not set as a whole", failure("joint.Colour:set()"));
+    EXPECT_EQ("script:2: Attribute:set: Scene|joint.Colour is not set as a whole", failure("joint.Colour:set()"));
     EXPECT_EQ("0.5 0.5 0.5 0.5", eval("return table.unpack(joint.Colour:get())"));
 }
 
@@ -317,14 +324,7 @@ TEST_F(AttributeFunctionsTest, PartsAreReachedByIndexAndName) {
 }
 
 TEST_F(AttributeFunctionsTest, AnArrayOfAttributesGrowsByElements) {
-    run("solver = scene:createObject('IKSolver')");
-    XObject const owner = scene().CreateObject(XTrajectory::TypeID);
-    run("path = scene:object('" + Qelutils::toUtf8(owner.Path()) + "')");
-    XAttribute array;
-    for (int i = 0; i < owner.AttributeCount() && !array.IsValid(); ++i)
-        if (owner.Attribute(i).IsAttributeArray()) array = owner.Attribute(i);
-    ASSERT_TRUE(array.IsValid());
-    run("array = path:attributeNamed and nil or path." + Qelutils::toUtf8(array.Name()));
+    run("array = scene:createObject('IKSolver').InputTargets:clear()");
     EXPECT_EQ("true 2 2 table", eval("array:add():insert(nil, 1) return array:isAttributeArray(), array:size(), "
                                      "array:attributeCount(), type(array:get(1))"));
     EXPECT_EQ("1", eval("return array:delete(1):size()"));
@@ -335,7 +335,7 @@ TEST_F(AttributeFunctionsTest, AnArrayOfAttributesGrowsByElements) {
 // ---- connections ----
 
 TEST_F(AttributeFunctionsTest, AValueFlowsWhereItIsConnectedTo) {
-    run("other = scene:createObject('Null') other:setName('other')");
+    run("other = scene:createObject('Joint') other:setName('other')");
     EXPECT_EQ("true 4.0 true 1 true nil",
               eval("local a, b = joint.TranslationX, other.TranslationY local made = a:connect(b) a:set(4) "
                    "return made, b:get(), b:inputObject() == joint, a:outputCount(), a:outputObject(1) == other, "
@@ -345,16 +345,17 @@ TEST_F(AttributeFunctionsTest, AValueFlowsWhereItIsConnectedTo) {
 }
 
 TEST_F(AttributeFunctionsTest, ConnectsByPathAndDisconnectsOutputs) {
-    run("other = scene:createObject('Null') other:setName('other')");
-    EXPECT_EQ("true true 2 0", eval("local a = joint.TranslationX local one = a:connect('other.TranslationX') "
-                                    "local two = a:connect('other.TranslationY') local count = a:outputCount() "
+    run("other = scene:createObject('Joint') other:setName('other')");
+    EXPECT_EQ("true true 2 0", eval("local a = joint.TranslationX local one = a:connect('Scene|other.TranslationX') "
+                                    "local two = a:connect('Scene|other.TranslationY') local count = a:outputCount() "
                                     "return one, two, count, a:disconnectOutputs():outputCount()"));
     EXPECT_EQ("false", eval("joint.TranslationX:connect(other.TranslationX) "
                             "return other.TranslationX:disconnect():isConnected()"));
 }
 
 TEST_F(AttributeFunctionsTest, AConnectionThatCanNotBeIsNone) {
-    EXPECT_EQ("false false", eval("return joint.TranslationX:connect(joint.TranslationX), joint.TranslationX:connect()"));
+    EXPECT_EQ("false false",
+              eval("return joint.TranslationX:connect(joint.TranslationX), joint.TranslationX:connect()"));
     EXPECT_EQ("script:2: Attribute:connect: argument 1 (target) must be an attribute or its path, not number",
               failure("joint.TranslationX:connect(5)"));
 }
@@ -382,7 +383,8 @@ TEST_F(AttributeFunctionsTest, SetKeyMakesTheCurveAndGivesTheKey) {
 
 TEST_F(AttributeFunctionsTest, SetKeyChangesTheKeyThatIsThere) {
     giveCurve();
-    EXPECT_EQ("2.0 4", eval("return joint.TranslationX:setKey(2, 5, 'spline', 'broken'):x(), joint.TranslationX:keyCount()"));
+    EXPECT_EQ("2.0 4",
+              eval("return joint.TranslationX:setKey(2, 5, 'spline', 'broken'):x(), joint.TranslationX:keyCount()"));
     EXPECT_EQ((Floats{10, 5, 30, 40}), outputs());
     EXPECT_EQ(2, curve().KeyframeInterpolations().Enumeration(1));
     EXPECT_EQ(0, curve().KeyframeContinuities().Enumeration(1));
@@ -396,7 +398,7 @@ TEST_F(AttributeFunctionsTest, SetKeyWithoutArgumentsKeysTheCurrentValueNow) {
 }
 
 TEST_F(AttributeFunctionsTest, WhatIsNotAnimatableGetsNoCurve) {
-    custom(XAttribute::StringType, L"Label");
+    custom(db::AttributeType::String, L"Label");
     EXPECT_EQ("nil nil false", eval("return joint.Label:setKey(1, 2), joint.Label:createKey(1, 2, 1, 1), "
                                     "joint.Label:isAnimated()"));
 }
@@ -426,8 +428,9 @@ TEST_F(AttributeFunctionsTest, EditKeyAtIndexMovesAKey) {
 
 TEST_F(AttributeFunctionsTest, KeysKeepTheirIndexWhenTheyMove) {
     giveCurve();
-    EXPECT_EQ("5.0 2.0 nil nil", eval("local a = joint.TranslationX:moveKeysAtIndex(1, 1, 4, 0) "
-                                      "return a:keyAtIndex(1):x(), a:keyAtIndex(2):x(), a:keyAtIndex(0), a:keyAtIndex(5)"));
+    EXPECT_EQ("5.0 2.0 nil nil",
+              eval("local a = joint.TranslationX:moveKeysAtIndex(1, 1, 4, 0) "
+                   "return a:keyAtIndex(1):x(), a:keyAtIndex(2):x(), a:keyAtIndex(0), a:keyAtIndex(5)"));
 }
 
 TEST_F(AttributeFunctionsTest, DeletesKeysByTimeAndByIndex) {
@@ -466,7 +469,8 @@ TEST_F(AttributeFunctionsTest, ScalesKeysAboutAPivot) {
 }
 
 TEST_F(AttributeFunctionsTest, SnapsKeysToWholeTimes) {
-    run("a = joint.TranslationX a:setKey(0.4, 1) a:setKey(1.6, 1) a:setKey(2.6, 1) a:snapKeys(0, 2):snapKeysAtIndex(3, 3)");
+    run("a = joint.TranslationX a:setKey(0.4, 1) a:setKey(1.6, 1) a:setKey(2.6, 1) a:snapKeys(0, 2):snapKeysAtIndex(3, "
+        "3)");
     EXPECT_EQ((Floats{0, 2, 3}), inputs());
 }
 
@@ -480,16 +484,18 @@ TEST_F(AttributeFunctionsTest, NumbersThatAreNotFiniteMakeNoKeys) {
     for (char const* call : {"setKey(0/0, 1)", "setKey(1, math.huge)", "createKey(math.huge, 1)",
                              "editKeyAtIndex(1, 0/0, 1)", "moveKeys(0, 9, math.huge, 0)", "scaleKeys(0, 9, 0/0)",
                              "moveKeysAtIndex(1, 2, 0/0)", "scaleKeysAtIndex(1, 2, 1, math.huge)"})
-        EXPECT_NE(std::string::npos, failure("joint.TranslationX:" + std::string(call)).find("its numbers must be finite"))
+        EXPECT_NE(std::string::npos,
+                  failure("joint.TranslationX:" + std::string(call)).find("its numbers must be finite"))
             << call;
     EXPECT_EQ((Floats{1, 2, 3, 4}), inputs());
     EXPECT_EQ((Floats{10, 20, 30, 40}), outputs());
 }
 
 TEST_F(AttributeFunctionsTest, AnUnknownInterpolationIsRefused) {
-    EXPECT_EQ("script:2: Attribute:setKey: \"smooth\" is none of constant, linear, spline, external, nor a number from 0 "
-              "to 3",
-              failure("joint.TranslationX:setKey(1, 2, 'smooth')"));
+    EXPECT_EQ(
+        "script:2: Attribute:setKey: \"smooth\" is none of constant, linear, spline, external, nor a number from 0 "
+        "to 3",
+        failure("joint.TranslationX:setKey(1, 2, 'smooth')"));
     EXPECT_EQ("script:2: Attribute:setKey: 7 is none of broken, linear, linearCoupled, nor a number from 0 to 2",
               failure("joint.TranslationX:setKey(1, 2, 'linear', 7)"));
     EXPECT_FALSE(joint.Attribute(L"TranslationX").IsAnimated());
@@ -501,7 +507,8 @@ TEST_F(AttributeFunctionsTest, ExtrapolationsGoByWordsAndNumbers) {
               eval("local a = joint.TranslationX local before = a:preExtrapolation() a:setPreExtrapolation('cyclic')"
                    ":setPostExtrapolation(4) return before, a:preExtrapolation(), a:postExtrapolation()"));
     EXPECT_EQ(XExtrapolation::CyclicExtrapolation, curve().PreExtrapolation().Enumeration());
-    EXPECT_EQ("reverseCyclic", eval("return joint.TranslationX:setPreExtrapolation('Reverse Cycle'):preExtrapolation()"));
+    EXPECT_EQ("reverseCyclic",
+              eval("return joint.TranslationX:setPreExtrapolation('Reverse Cycle'):preExtrapolation()"));
     EXPECT_NE("", failure("joint.TranslationX:setPreExtrapolation('forever')"));
 }
 
@@ -536,14 +543,15 @@ TEST_F(AttributeFunctionsTest, AbsurdSamplingsAreRefused) {
 TEST_F(AttributeFunctionsTest, TheVocabularyIsWhole) {
     std::string names;
     for (XScriptFunction const& function : AttributeFunctions().functions) names += std::string(function.Name()) + " ";
-    EXPECT_EQ("id isValid name displayName path type units object isEditable isVisible isConnected isArrayAttribute "
-              "isAttributeArray isAnimatable isAnimated get set add insert delete size setSize clear connect disconnect "
-              "disconnectInput disconnectOutputs inputObject outputObject outputCount attribute attributeCount "
-              "preExtrapolation postExtrapolation setPostExtrapolation setPreExtrapolation keyCount clearKeys createKey "
-              "setKey editKeyAtIndex fitSampledCurve uniformCurveSampling deleteKey deleteKeyAtIndex deleteKeys "
-              "deleteKeysAtIndex keyAtIndex moveKeys moveKeysAtIndex scaleKeys scaleKeysAtIndex snapKeys snapKeysAtIndex "
-              "curvePoints ",
-              names);
+    EXPECT_EQ(
+        "id isValid name displayName path type units object isEditable isVisible isConnected isArrayAttribute "
+        "isAttributeArray isAnimatable isAnimated get set add insert delete size setSize clear connect disconnect "
+        "disconnectInput disconnectOutputs inputObject outputObject outputCount attribute attributeCount "
+        "preExtrapolation postExtrapolation setPostExtrapolation setPreExtrapolation keyCount clearKeys createKey "
+        "setKey editKeyAtIndex fitSampledCurve uniformCurveSampling deleteKey deleteKeyAtIndex deleteKeys "
+        "deleteKeysAtIndex keyAtIndex moveKeys moveKeysAtIndex scaleKeys scaleKeysAtIndex snapKeys snapKeysAtIndex "
+        "curvePoints ",
+        names);
 }
 
 TEST_F(AttributeFunctionsTest, ForgedTablesAreNoAttributes) {
@@ -551,7 +559,7 @@ TEST_F(AttributeFunctionsTest, ForgedTablesAreNoAttributes) {
         "  local forged = {__sceneID = scene.__sceneID, __objectID = id}\n"
         "  for _, name in ipairs({'get', 'set', 'add', 'size', 'clear', 'keyCount', 'setKey', 'disconnect', 'path', "
         "'curvePoints', 'attributeCount'}) do\n"
-        "    joint.TranslationX[name](forged)\n  end\nend");
+        "    pcall(joint.TranslationX[name], forged)\n  end\nend");
     EXPECT_TRUE(joint.IsValid());
 }
 
