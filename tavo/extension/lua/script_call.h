@@ -92,9 +92,9 @@ public:
     bool HasNext() const;  // it was given, and is not nil
     bool IsNextNumber() const;
     bool IsNextText() const;
-    bool IsNextObject() const;        // or an attribute or a key: a table with an id
-    bool IsNextQuaternion() const;    // a table with w or a fourth value, and not a matrix
-    bool IsNextMatrix() const;        // a table with sixteen values
+    bool IsNextObject() const;      // or an attribute or a key: a table with an id
+    bool IsNextQuaternion() const;  // a table with w or a fourth value, and not a matrix
+    bool IsNextMatrix() const;      // a table with sixteen values
     bool TakeBoolean();
     int TakeInteger();
     double TakeNumber();
