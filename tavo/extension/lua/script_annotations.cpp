@@ -97,6 +97,8 @@ std::string oneLine(std::string text) {
 
 // ---- functions ----
 
+constexpr std::string_view typeArgument = "type";
+
 int countOfNumbers(XScriptKind kind) {
     return kind == XScriptKind::Vector ? 3 : kind == XScriptKind::Quaternion ? 4 : 0;
 }
@@ -116,19 +118,46 @@ std::string overloadText(XScriptSet const& set, XScriptFunction const& function)
     return hasNumbers && !isApplicationSet(set) ? text + ")" + (given.empty() ? "" : ": " + given) + "\n" : "";
 }
 
+// An editor that sees a word of a type learns by it what comes: an argument of that name is one.
+bool isOfGivenType(XScriptFunction const& function) {
+    XScriptKind const result = function.Result().kind;
+    auto const& arguments = function.Arguments();
+    return (result == XScriptKind::Object || result == XScriptKind::Objects) &&
+           std::any_of(arguments.begin(), arguments.end(), [](auto const& a) { return a.name == typeArgument; });
+}
+
+std::string resultText(XScriptSet const& set, XScriptFunction const& function) {
+    if (isOfGivenType(function)) return function.Result().kind == XScriptKind::Objects ? "T[]" : "T?";
+    return givenType(set, function.Result());
+}
+
+std::string parameterText(XScriptFunction const& function, std::size_t i) {
+    XScriptArgument const& argument = function.Arguments()[i];
+    XScriptType const type = function.ArgumentTypes()[i];
+    bool const isType = isOfGivenType(function) && argument.name == typeArgument;
+    std::string const otherwise = defaultOf(argument, type);
+    return "---@param " + nameOf(argument.name) + "? " + (isType ? "`T`" : takenType(type)) +
+           (otherwise.empty() ? "" : " default " + otherwise) + "\n";
+}
+
+std::string handlersText(XScriptSet const& set, XScriptFunction const& function) {
+    bool const isOfHandlers = &set == &SceneFunctions() && std::string_view(function.Name()).ends_with("EventHandler");
+    return isOfHandlers
+               ? "---@overload fun(self: Scene, event: SceneEventName, handler: SceneEventHandler): boolean\n"
+                 "---@overload fun(self: Scene, event: ObjectEventName, handler: ObjectEventHandler): boolean\n"
+               : "";
+}
+
 std::string functionText(XScriptSet const& set, XScriptFunction const& function) {
     std::string text = "---" + oneLine(function.Help()) + "\n", names;
+    if (isOfGivenType(function)) text += "---@generic T : Object\n";
     for (std::size_t i = 0; i < function.Arguments().size(); ++i) {
-        XScriptArgument const& argument = function.Arguments()[i];
-        XScriptType const type = function.ArgumentTypes()[i];
-        std::string const name = nameOf(argument.name), otherwise = defaultOf(argument, type);
-        text +=
-            "---@param " + name + "? " + takenType(type) + (otherwise.empty() ? "" : " default " + otherwise) + "\n";
-        names += (i ? ", " : "") + name;
+        text += parameterText(function, i);
+        names += (i ? ", " : "") + nameOf(function.Arguments()[i].name);
     }
-    std::string const given = givenType(set, function.Result());
+    std::string const given = resultText(set, function);
     if (!given.empty()) text += "---@return " + given + "\n";
-    text += overloadText(set, function);
+    text += overloadText(set, function) + handlersText(set, function);
     char const* const separator = isApplicationSet(set) ? "." : ":";
     return text + "function " + set.table + separator + function.Name() + "(" + names + ") end\n\n";
 }
@@ -234,6 +263,10 @@ struct ObjectType {
 };
 using ObjectTypes = std::map<std::wstring, ObjectType>;
 
+db::NodeDef const* nodeDef(std::wstring const& classID) {
+    return db::Registry::getInstance().getNodeDef(L"sg", classID);
+}
+
 // A key is an object to C++, and a table of its own kind to scripts.
 ObjectTypes typesOf(XDatabase& scene) {
     ObjectTypes types;
@@ -246,7 +279,8 @@ ObjectTypes typesOf(XDatabase& scene) {
             types[word].base = base;
             base = word;
         }
-        types[base].node = db::Registry::getInstance().getNodeDef(L"sg", definition->NodeType());
+        types[base].node = nodeDef(definition->NodeType());
+        types[definition->ObjectTypes().front()].node = nodeDef(definition->NodeTypes().front());
     }
     return types;
 }

@@ -77,13 +77,18 @@ std::string argumentText(XScriptArgument const& argument, XScriptType type) {
     return argument.name + (kind.empty() ? "" : ": " + kind) + (hasOwnDefault ? " = " + otherwise : "");
 }
 
+std::string resultText(XScriptSet const& set, XScriptType type) {
+    if (type.kind == XScriptKind::Self && isApplicationSet(set)) return {};
+    std::string const kind = kindOf(type);
+    return kind.empty() ? "value" : kind;
+}
+
 std::string rowText(XScriptSet const& set, XScriptFunction const& function) {
     std::string arguments;
     for (std::size_t i = 0; i < function.Arguments().size(); ++i)
         arguments += (i ? ", " : "") + argumentText(function.Arguments()[i], function.ArgumentTypes()[i]);
-    bool const isNothing = isApplicationSet(set) && function.Result().kind == XScriptKind::Self;
     return "| `" + cell(function.Name() + ("(" + arguments + ")")) + "` | " + cell(function.Help()) + " | " +
-           (isNothing ? "" : cell(kindOf(function.Result()))) + " |\n";
+           cell(resultText(set, function.Result())) + " |\n";
 }
 
 std::string sectionText(XScriptSet const& set) {
@@ -103,10 +108,15 @@ std::string contentsText() {
 }
 
 std::string eventsText() {
-    std::string text =
-        "\n## Events\n\n`scene:addEventHandler(name, handler)` has the handler called whenever it happens, "
-        "with a new table: that of an object's event has the object's `id`, for `scene:object(event.id)`, "
-        "the others are empty.\n\n| event | happens when |\n|---|---|\n";
+    std::string text = R"(
+## Events
+
+`scene:addEventHandler(name, handler)` has the handler called when it has happened, with a new table: that of an object's
+event has the object's `id`, for `scene:object(event.id)`; the others are empty.
+
+| event | happens when |
+|---|---|
+)";
     for (XScriptEventRow const& event : ScriptEvents)
         text += std::string("| `") + event.name + "` | " + cell(event.help) + " |\n";
     return text;

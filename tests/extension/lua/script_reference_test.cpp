@@ -127,10 +127,26 @@ TEST_F(ScriptReference, AnnotationsTellKindsDefaultsResultsAndNumbersInPlaceOfVe
                           "function Vector3:isEqual(other, tolerance) end\n"));
 }
 
+TEST_F(ScriptReference, AWordOfATypeTellsEditorsWhatComes) {
+    EXPECT_THAT(ScriptAnnotations(scene()), HasSubstr("---@generic T : Object\n---@param type? `T` default \"\"\n"));
+    EXPECT_THAT(ScriptAnnotations(scene()), HasSubstr("---@return T?\n"));
+}
+
+TEST_F(ScriptReference, HandlersAreAnnotatedByTheKindOfEvent) {
+    std::string const text = ScriptAnnotations(scene());
+    std::size_t functions = 0, overloads = 0;
+    for (std::string const& name : namesOf(SceneFunctions())) functions += name.ends_with("EventHandler");
+    std::string const wanted = "(self: Scene, event: ObjectEventName, handler: ObjectEventHandler): boolean\n";
+    for (auto at = text.find(wanted); at != std::string::npos; at = text.find(wanted, at + 1)) ++overloads;
+    EXPECT_EQ(functions, overloads);
+}
+
 TEST_F(ScriptReference, AttributesAreFieldsOfTheTypeThatAddsThem) {
     Classes const classes = annotated();
     EXPECT_TRUE(classes.at("Transform").fields.contains("TranslationX"));
     EXPECT_FALSE(classes.at("Joint").fields.contains("TranslationX"));
+    EXPECT_TRUE(classes.at("Object").fields.contains("Name"));
+    EXPECT_FALSE(classes.at("Null").fields.contains("Name"));
     EXPECT_EQ("Transform", classes.at("Joint").base);
     EXPECT_EQ("RenderObject", classes.at("Transform").base);
     EXPECT_TRUE(classes.at("Camera").functions.empty());
