@@ -1,7 +1,7 @@
 // How the host speaks: results on standard output, messages on standard error, one exit code.
 //
-// A verb that cannot go on throws a Failure; main prints it, if there is something to tell, and returns its code. Nothing has been written by then: a
-// verb opens its output only when it holds all of it.
+// A verb that cannot go on throws a Failure; main prints it, if it tells something, and returns its code. Nothing has
+// been written by then: a verb opens its output only when it holds all of it.
 #pragma once
 #include "qel/utils/logger.h"
 

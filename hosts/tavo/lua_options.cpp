@@ -46,11 +46,15 @@ void addScriptOptions(CLI::App& app, ScriptOptions& options) {
 void addOptions(CLI::App& app, RunVerb& verb) {
     app.add_option("SCRIPT", verb.script, "a Lua script, or - for standard input; not with -e")->type_name("");
     addInput(app, verb.input)->required(false)->description("a motion clip or a scene (a new scene)");
-    app.add_option("-e", verb.code, "the script itself")->type_name("CODE");
+    CLI::Option* const code = app.add_option("-e", verb.code, "the script itself")->type_name("CODE");
     addScriptOptions(app, verb);
     app.add_flag("--keep", verb.keep, "write OUT also when the script fails");
     app.add_option("-o,--output", verb.output, "the scene to write, or a clip if it ends in .bvh (none)")
         ->type_name("OUT");
+    CLI::Option* const reference = app.add_flag("--reference", verb.reference, "print what scripts can call");
+    app.add_flag("--annotations", verb.annotations, "print the same for editors, with all attributes of objects")
+        ->excludes(reference, code);
+    reference->excludes(code);
 }
 
 void addOptions(CLI::App& app, ReplVerb& verb) {

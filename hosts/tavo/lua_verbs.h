@@ -19,6 +19,8 @@ struct RunVerb : ScriptOptions {
     std::optional<std::string> code;     // a script itself
     std::vector<std::string> arguments;  // what scripts find in `arg` and `...`
     std::string output;                  // empty: none
+    bool reference = false;              // in place of a script: what scripts can call is printed
+    bool annotations = false;            // or the same for editors, with the attributes that FILE's objects have
 };
 
 struct ReplVerb : ScriptOptions {};

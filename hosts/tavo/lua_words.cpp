@@ -209,7 +209,11 @@ bool isPlainTable(lua_State* state, int index) {
 
 // A table in a table is only hinted at.
 std::string describeInside(lua_State* state, int index) {
-    return isPlainTable(state, index) ? "{...}" : describe(state, index);
+    if (!isPlainTable(state, index)) return describe(state, index);
+    lua_pushnil(state);
+    bool const isEmpty = !lua_next(state, index);
+    if (!isEmpty) lua_pop(state, 2);
+    return isEmpty ? "{}" : "{...}";
 }
 
 // The sequence first, then the rest by name.

@@ -2,6 +2,7 @@
 #include "hosts/tavo/script_session.h"
 #include "qel/db/streams.h"
 #include "qel/utils/text.h"
+#include "tavo/extension/lua/script_reference.h"
 
 #include <fmt/format.h>
 #include <iostream>
@@ -24,22 +25,19 @@ ScriptChunk chunkOf(RunVerb const& verb) {
     return {contents(verb.script), '@' + verb.script, verb.arguments};
 }
 
-// With a script on the command line, the first name is that of FILE.
+// Without a script's file, the first name is that of FILE.
 RunVerb settled(RunVerb verb) {
-    if (verb.script.empty() && !verb.code) throw wrongCall("which script? a file, - for standard input, or -e CODE");
-    if (!verb.code) return verb;
+    bool const needsScript = !verb.code && !verb.reference && !verb.annotations;
+    if (needsScript && verb.script.empty()) throw wrongCall("which script? a file, - for standard input, or -e CODE");
+    if (needsScript) return verb;
     if (!verb.input.file.empty())
-        throw wrongCall(
-            fmt::format("-e is the script, so that there is one FILE: {} or {}", verb.script, verb.input.file));
+        throw wrongCall(fmt::format("without a script there is one FILE: {} or {}", verb.script, verb.input.file));
     verb.input.file = verb.script;
     verb.script = "-e";
     return verb;
 }
 
-}  // namespace
-
-void run(RunVerb const& given) {
-    RunVerb const verb = settled(given);
+void runScript(RunVerb const& verb) {
     ScriptChunk const chunk = chunkOf(verb);
     ScriptSession scripts(verb);
     scripts.setArguments(verb.script, verb.arguments);
@@ -48,6 +46,16 @@ void run(RunVerb const& given) {
     if (!ending.error.empty()) printError(ending.error);
     if (!verb.output.empty() && (ending.isGood() || verb.keep)) scripts.session().save(verb.output);
     if (!ending.isGood()) throw Failure{ExitCode(ending.exitCode.value_or(int(ExitCode::failed))), ""};
+}
+
+}  // namespace
+
+void run(RunVerb const& given) {
+    RunVerb const verb = settled(given);
+    if (verb.reference) return writeResult(Tavo::ScriptReferencePage());
+    if (!verb.annotations) return runScript(verb);
+    ScriptSession scripts(verb);
+    writeResult(Tavo::ScriptAnnotations(scripts.scene()));
 }
 
 }  // namespace host

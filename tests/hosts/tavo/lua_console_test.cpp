@@ -147,7 +147,8 @@ TEST_F(LuaWords, ValuesLookAsTheyAreWritten) {
 }
 TEST_F(LuaWords, TablesShowWhatIsInThem) {
     EXPECT_EQ(value("{}"), "{}");
-    EXPECT_EQ(value("{1, 'a', z = {1}, b = true, [0] = 2}"), "{1, \"a\", [0] = 2, b = true, z = {...}}");
+    EXPECT_EQ(value("{1, 'a', z = {1}, y = {}, b = true, [0] = 2}"),
+              "{1, \"a\", [0] = 2, b = true, y = {}, z = {...}}");
     EXPECT_EQ(value("(function() local t = {} for i = 1, 30 do t[i] = i end return t end)()"),
               "{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, ...}");
 }

@@ -153,11 +153,30 @@ TEST_F(Run, InTheSandboxThereAreNoFilesAndProcesses) {
     EXPECT_EQ(code("print(type(io), type(os.execute))"), "table\tfunction\n");
 }
 
+// ---- what scripts can call ----
+
+TEST_F(Run, TheReferenceIsPrinted) {
+    std::string const page = result("run --reference");
+    EXPECT_TRUE(has(page, "Transform")) << page;
+    EXPECT_TRUE(has(page, "setTranslation")) << page;
+}
+TEST_F(Run, AnnotationsArePrintedForANewSceneAndForAFile) {
+    EXPECT_TRUE(has(result("run --annotations"), "---@meta"));
+    EXPECT_TRUE(has(result("run --annotations walk.bvh"), "TranslationX"));
+    failure(badInput, "run --annotations nowhere.bvh");
+}
+TEST_F(Run, OneIsPrintedAndNothingRuns) {
+    failure(wrongCall, "run --annotations --reference");
+    failure(wrongCall, "run --reference -e x=1");
+    failure(wrongCall, "run --annotations -e x=1");
+}
+
 // ---- wrong calls and bad input ----
 
 TEST_F(Run, WithoutAScriptItIsAWrongCall) {
     EXPECT_TRUE(has(failure(wrongCall, "run"), "which script?"));
-    EXPECT_TRUE(has(failure(wrongCall, "run -e x=1 walk.bvh other.bvh"), "there is one FILE"));
+    EXPECT_TRUE(has(failure(wrongCall, "run -e x=1 walk.bvh other.bvh"),
+                    "without a script there is one FILE: walk.bvh or other.bvh"));
 }
 TEST_F(Run, FilesThatCannotBeReadAreBadInput) {
     EXPECT_TRUE(has(failure(badInput, "run nowhere.lua"), "nowhere.lua"));
