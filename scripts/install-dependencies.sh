@@ -8,7 +8,7 @@ packages=(
     libwxgtk3.2-dev                                      # wxBase, which has no development package of its own
     libexpat1-dev                                        # XML
     liblua5.4-dev                                        # scripts, in Lua's C++ build
-    libcli11-dev libfmt-dev                              # the command-line host
+    libcli11-dev libfmt-dev libedit-dev                  # the command-line host
     libgtest-dev libgmock-dev libbenchmark-dev           # tests and benchmarks
     clang-format python3                                 # checks of the sources and the documentation
 )

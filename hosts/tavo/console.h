@@ -1,12 +1,13 @@
 // How the host speaks: results on standard output, messages on standard error, one exit code.
 //
-// A verb that cannot go on throws a Failure; main prints it and returns its code. Nothing has been written by then: a
-// verb opens its output only when it holds all of it.
+// A verb that cannot go on throws a Failure; main prints it, if it tells something, and returns its code. Nothing has
+// been written by then: a verb opens its output only when it holds all of it.
 #pragma once
 #include "qel/utils/logger.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -47,8 +48,11 @@ public:
     void Log(Level level, wchar_t const* text) override;
     void Log(Level level, std::wstring const& text) override;
     void keepErrorsIn(std::vector<std::string>* errors) { errors_ = errors; }  // null: printed again
+    // Errors that the host tells in its own words.
+    void passOver(std::function<bool(std::string const&)> isTold) { isTold_ = std::move(isTold); }
 
 private:
+    std::function<bool(std::string const&)> isTold_;
     std::vector<std::string>* errors_ = nullptr;
 };
 

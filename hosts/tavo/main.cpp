@@ -1,5 +1,6 @@
 // The command line: verbs, options, help, and what a wrong call is told.
 #include "hosts/tavo/console.h"
+#include "hosts/tavo/lua_options.h"
 #include "hosts/tavo/options.h"
 #include "hosts/tavo/rig_options.h"
 #include "hosts/tavo/trajectory_options.h"
@@ -136,6 +137,8 @@ public:
         addTrajectory();
         addPathVerb(app_, ik_, "ik", "Pose a figure by its hands and feet.", ikExamples);
         addPathVerb(app_, retarget_, "retarget", "Let a figure take over another one's motion.", retargetExamples);
+        addOptions(addVerb(app_, run_, "run", "Run a Lua script on a file.", runExamples), run_);
+        addOptions(addVerb(app_, repl_, "repl", "Type Lua on a file.", replExamples), repl_);
     }
 
     ExitCode run(int count, char** arguments) {
@@ -145,7 +148,7 @@ public:
             chosen_();
             return ExitCode::done;
         } catch (CLI::ParseError const& error) { return tell(error); } catch (Failure const& failure) {
-            printError(failure.message);
+            if (!failure.message.empty()) printError(failure.message);
             return failure.code;
         } catch (std::bad_alloc const&) {
             printError("there is not enough memory");
@@ -275,10 +278,18 @@ private:
 
     // Last word first, as the parser wants them. To the parser "--" ends the options; for `do` it stands between
     // commands, and passes as another word.
-    static std::vector<std::string> wordsOf(int count, char** arguments) {
+    std::vector<std::string> wordsOf(int count, char** arguments) {
         std::vector<std::string> words(std::reverse_iterator(arguments + count), std::reverse_iterator(arguments + 1));
         if (words.back() == "do") std::replace(words.begin(), words.end(), std::string("--"), commandSeparator);
+        if (words.back() == "run") takeArguments(words);
         return words;
+    }
+    // What stands after "--" is for the script, whatever it looks like.
+    void takeArguments(std::vector<std::string>& words) {
+        auto const separator = std::find(words.rbegin(), words.rend(), "--");
+        if (separator == words.rend()) return;
+        run_.arguments.assign(separator + 1, words.rend());
+        words.erase(words.begin(), separator.base());
     }
     // An unknown verb would be told of as an unexpected argument, which helps nobody.
     static void checkVerb(CLI::App& app, std::vector<std::string> const& words) {
@@ -340,6 +351,8 @@ private:
     InfoTrajectoryVerb infoPath_;
     IkVerb ik_;
     RetargetVerb retarget_;
+    RunVerb run_;
+    ReplVerb repl_;
 };
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 namespace host {
 
-void addInput(CLI::App& app, Input& input);
+CLI::Option* addInput(CLI::App& app, Input& input);  // gives FILE
 CLI::Option* addOutput(CLI::App& app, std::string& output, char const* what);
 
 }  // namespace host

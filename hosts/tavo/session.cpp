@@ -71,11 +71,11 @@ void Session::Formats::OnSettingsRegistered(XSettings& settings) {
     settings.CoreModule().Register(new XBvhTranslatorDef);
 }
 
-Session::Session() {
+Session::Session(LuaPlus::LuaStateOwner* state) {
     Mirrel::gMirrel.mainLoop = &mainLoop_;
     XApplication& application = XApplication::Instance();
     application.AddSceneObserver(&coreTypes_).AddSettingsObserver(&coreTypes_).AddSettingsObserver(&formats_);
-    application.Startup(nullptr, &log_, L"");
+    application.Startup(state, &log_, L"");
     application.Settings().New();  // the defaults, until settings are loaded
 }
 

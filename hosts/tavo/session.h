@@ -23,19 +23,23 @@ struct OpenedClip {
 
 class Session {
 public:
-    // Starts the application, with an empty scene.
-    Session();
-    // And opens the file. Throws a Failure: bad input when it cannot be read as what it is, a wrong call when the
-    // options make no sense.
+    // Starts the application, with an empty scene. Scripts run in `state`, or in a state of the application's own.
+    explicit Session(LuaPlus::LuaStateOwner* state = nullptr);
+    // And opens the file.
     explicit Session(Input const& input);
     ~Session();
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
 
+    // Throws a Failure: bad input when the file cannot be read as what it is, a wrong call when the options make no
+    // sense.
+    void open(Input const& input);
+
     Tavo::XScene& scene() { return Tavo::XApplication::Instance().ActiveScene(); }
     Tavo::XSceneSettings settings() { return scene().SceneSettings(); }
     wxUtils::AppMainLoop& mainLoop() { return mainLoop_; }
     std::optional<OpenedClip> const& clip() const { return clip_; }
+    ConsoleLog& log() { return log_; }
 
     // What is logged as an error while `work` runs; it is not printed meanwhile.
     std::vector<std::string> errorsOf(std::function<void()> const& work);
@@ -50,7 +54,6 @@ private:
         void OnSettingsRegistered(Tavo::XSettings& settings) override;
     };
 
-    void open(Input const& input);
     void openClip(std::string const& file, bvh::ImportOptions const& options);
     void openScene(std::string const& file);
     void saveScene(std::string const& file);

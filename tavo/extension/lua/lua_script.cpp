@@ -84,7 +84,7 @@ int XLuaScript::run(std::function<int()> const& action) {
     return status;
 }
 
-int XLuaScript::runChunk(std::function<int(std::string& error)> const& chunk) {
+int XLuaScript::RunChunk(std::function<int(std::string& error)> const& chunk) {
     if (!State()) return noState;
     return run([&] {
         std::string error;
@@ -98,13 +98,13 @@ int XLuaScript::runChunk(std::function<int(std::string& error)> const& chunk) {
 int XLuaScript::RunScript(std::wstring const& text) { return RunScript(text, L"script"); }
 
 int XLuaScript::RunScript(std::wstring const& text, std::wstring const& name) {
-    return runChunk([&](std::string& error) {
+    return RunChunk([&](std::string& error) {
         return State()->DoString(Qelutils::toUtf8(text), "=" + Qelutils::toUtf8(name), error);
     });
 }
 
 int XLuaScript::RunScriptFromFile(std::wstring const& path) {
-    return runChunk([&](std::string& error) { return State()->DoFile(path, error); });
+    return RunChunk([&](std::string& error) { return State()->DoFile(path, error); });
 }
 
 bool XLuaScript::RunFile(std::wstring const& file) {

@@ -33,6 +33,8 @@ public:
     int RunScript(std::wstring const& text);
     int RunScript(std::wstring const& text, std::wstring const& name);  // what messages call it
     int RunScriptFromFile(std::wstring const& path);
+    // As a script: what `chunk` does in the state, of which it gives Lua's result and the error.
+    int RunChunk(std::function<int(std::string& error)> const& chunk);
     bool RunFile(std::wstring const& file) override;  // silent when there is none
     // What the last script that failed said, with the traceback; empty when the last one ended well.
     std::string const& LastError() const { return _lastError; }
@@ -74,7 +76,6 @@ public:
 private:
     struct Run;  // a script or handler under way
     int run(std::function<int()> const& action);
-    int runChunk(std::function<int(std::string& error)> const& chunk);
     void registerFunctions();
     void notify(int event, XObject const* object = nullptr);
     void runHandler(LuaPlus::LuaObject const& handler, XObject const* object);
