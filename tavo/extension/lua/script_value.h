@@ -67,6 +67,7 @@ template<std::derived_from<XObject> Handle> Handle handleOf(XObject const& objec
     Handle const handle(object);
     return handle.IsValid() ? handle : Handle();
 }
+template<> inline XObject handleOf<XObject>(XObject const& object) { return object; }
 // Any handle: a table, or a path.
 template<std::derived_from<XObject> Handle> struct XScriptValue<Handle> {
     static XScriptType Type() { return {XScriptKind::Object, Handle::TypeID.c_str()}; }
@@ -153,6 +154,10 @@ template<class Self> struct XScriptSelf;
 struct XScriptHandleSelf {
     void Store(XScriptCall&) const {}
     int GiveBack(XScriptCall& call, bool) const { return call.GiveSelf(); }
+};
+template<> struct XScriptSelf<XObject> : XScriptHandleSelf {
+    explicit XScriptSelf(XScriptCall& call) : value(call.SelfObject()) {}
+    XObject value;
 };
 template<std::derived_from<XObject> Handle> struct XScriptSelf<Handle> : XScriptHandleSelf {
     explicit XScriptSelf(XScriptCall& call) : value(handleOf<Handle>(call.SelfObject())) {}

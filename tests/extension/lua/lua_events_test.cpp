@@ -70,6 +70,7 @@ TEST_F(LuaEventsTest, WhatAHandlerChangesIsAStepOfItsOwn) {
 
 TEST_F(LuaEventsTest, HandlersThatCauseEachOtherWithoutEndAreStopped) {
     run("scene:addEventHandler('OnSceneChanged', function() app.scene():createObject('Joint') end)");
+    goTo(1);
     ASSERT_FALSE(log.errors().empty());
     EXPECT_EQ(L"Error running script: handlers of OnSceneChanged cause each other without end", log.errors().front());
 }
