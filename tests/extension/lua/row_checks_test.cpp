@@ -92,6 +92,14 @@ TEST_P(RowTest, EachIsThereOnWhatItIsFor) {
 
 TEST_P(RowTest, MayBeCalledWithNothing) { callOnEach({good(set())}); }
 
+// An argument that may be left out in front of others leaves what it can't take to the next: that one is named then.
+bool namesArgument(std::string const& error, XScriptFunction const& row, std::size_t from) {
+    auto const isNamed = [&](XScriptArgument const& argument) {
+        return error.find(std::string("(") + argument.name + ")") != std::string::npos;
+    };
+    return std::any_of(row.Arguments().begin() + std::ptrdiff_t(from), row.Arguments().end(), isNamed);
+}
+
 TEST_P(RowTest, RefuseWhatIsOfAnotherKindByName) {
     auto const wrong = [](XScriptKind kind) -> ScriptTexts {
         switch (kind) {
@@ -109,7 +117,7 @@ TEST_P(RowTest, RefuseWhatIsOfAnotherKindByName) {
         for (std::string const& value : wrong(row.ArgumentTypes()[i].kind)) {
             std::string const error = call(set(), row, good(set()), only(i, value));
             EXPECT_NE(std::string::npos, error.find(std::string(set().table) + ":" + row.Name() + ": ")) << error;
-            EXPECT_NE(std::string::npos, error.find(std::string("(") + row.Argument(int(i)).name + ")")) << error;
+            EXPECT_TRUE(namesArgument(error, row, i)) << error;
         }
         EXPECT_TRUE(before == bytes());
     });
