@@ -43,6 +43,7 @@ enum class XScriptKind {
     Texts,
     Objects,
     Attributes,
+    DropOff,  // a number, its range, or a table
 };
 
 struct XScriptType {
