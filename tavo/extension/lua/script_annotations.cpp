@@ -23,6 +23,7 @@ constexpr char const* head = R"(---@meta
 ---@alias VectorLike Vector3|Quaternion|number[]|{x?: number, y?: number, z?: number}
 ---@alias QuaternionLike Quaternion|Vector3|number[]|{x?: number, y?: number, z?: number, w?: number}
 ---@alias MatrixLike Matrix|number[]
+---@alias DropOffLike number|{range?: number, mode?: string|integer, pinch?: number, bubble?: number}
 
 )";
 
@@ -51,6 +52,7 @@ constexpr KindWords kindWords[] = {
     {XScriptKind::Texts, "string[]|string", "string[]"},
     {XScriptKind::Objects, "(Object|string)[]|Object|string", "Object[]"},
     {XScriptKind::Attributes, "Attribute[]", "Attribute[]"},
+    {XScriptKind::DropOff, "DropOffLike", "number"},
 };
 
 KindWords const* wordsOf(XScriptKind kind) {

@@ -62,7 +62,7 @@ template<class Function, bool takesCall, class Return, class Self, class... Para
 struct XScriptFunction::Signature {
     static constexpr bool returnsSelf =
         std::is_void_v<Return> ||
-        std::is_same_v<std::decay_t<Return>, std::decay_t<Self>> && std::is_lvalue_reference_v<Return>;
+        (std::is_same_v<std::decay_t<Return>, std::decay_t<Self>> && std::is_lvalue_reference_v<Return>);
 
     static XScriptType Result() {
         if constexpr (returnsSelf)

@@ -25,6 +25,7 @@ written and run.
 - **A vector is a table or three numbers**, a quaternion a table or four, a matrix a table or sixteen. A table has its
   numbers by name (`x`, `y`, `z`, `w`), of which some may be missing and are 0, or else by position. Matrices have them by
   position, row by row; places are rows, so that the last row is the translation, and `a:multiply(b)` lets a act first.
+- **A drop-off** is the number that is its range, or a table with some of `range`, `mode`, `pinch` and `bubble`.
 - **Units** are metres, kilograms, radians and seconds, whatever the scene shows.
 - **A table names an object and does not hold it**: kept after the object was deleted, it is harmless. Its functions do
   nothing then, and `isValid` is false; an undo that brings the object back makes the table good again. Two tables of
@@ -53,6 +54,7 @@ std::string plainKind(XScriptKind kind) {
     case XScriptKind::Texts: return "texts";
     case XScriptKind::Objects: return "objects";
     case XScriptKind::Attributes: return "attributes";
+    case XScriptKind::DropOff: return "drop-off";
     default: return {};
     }
 }
