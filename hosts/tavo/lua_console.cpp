@@ -55,16 +55,19 @@ private:
     void evaluate() {
         std::string const text = std::exchange(input_, {});
         bool const hasValue = isExpression(scripts_.state(), text);
-        ScriptEnding const ending = scripts_.run({(hasValue ? "return " : "") + text, "=input", {}}, show);
+        std::string shown;
+        ScriptEnding const ending = scripts_.run({(hasValue ? "return " : "") + text, "=input", {}},
+                                                 [&](lua_State* state, int count) { shown = lineOf(state, count); });
         XApplication::Instance().Update();
+        writeResult(shown);
         if (!ending.error.empty()) printError(ending.error);
         isOver_ = ending.exitCode.has_value();
         exitCode_ = ending.exitCode.value_or(0);
     }
-    static void show(lua_State* state, int count) {
+    static std::string lineOf(lua_State* state, int count) {
         std::string text;
         for (int i = 1; i <= count; ++i) text += (i == 1 ? "" : "\t") + describe(state, i);
-        if (count > 0) writeResult(text + '\n');
+        return count > 0 ? text + '\n' : text;
     }
 
     // The words that begin with a colon.

@@ -43,6 +43,7 @@ void runScript(RunVerb const& verb) {
     scripts.setArguments(verb.script, verb.arguments);
     ScriptEnding const ending = scripts.run(chunk);
     scripts.scene().Stop();  // playback is a block that is open
+    Tavo::XApplication::Instance().Update();
     if (!ending.error.empty()) printError(ending.error);
     if (!verb.output.empty() && (ending.isGood() || verb.keep)) scripts.session().save(verb.output);
     if (!ending.isGood()) throw Failure{ExitCode(ending.exitCode.value_or(int(ExitCode::failed))), ""};

@@ -44,7 +44,8 @@ public:
 
     // The table `arg`: a script's name at 0, and its arguments.
     void setArguments(std::string const& script, std::vector<std::string> const& arguments);
-    // `onResults` is called with what the chunk returned on top of the stack, as part of the run.
+    // `onResults` is called with what the chunk returned on the stack, as part of the run; it may raise Lua errors, and
+    // throws nothing.
     using OnResults = std::function<void(lua_State* state, int count)>;
     ScriptEnding run(ScriptChunk const& chunk, OnResults const& onResults = {});
 

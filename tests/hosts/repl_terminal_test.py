@@ -6,6 +6,7 @@ Usage: repl_terminal_test.py BUILD/bin/tavo. Exit codes: 0 as it should be, 1 no
 import os
 import pty
 import select
+import signal
 import sys
 import tempfile
 import time
@@ -37,18 +38,26 @@ class Terminal:
         return before + text
 
     def read(self):
-        try:
-            data = os.read(self.keys, 4096)
-        except OSError:  # the other side is closed
-            data = b""
+        data = self.read_any()
         if not data:
             raise AssertionError(f"it ended: {self.seen!r}")
         return data.decode("utf-8", "replace")
+
+    def read_any(self):
+        try:
+            return os.read(self.keys, 4096)
+        except OSError:  # the other side is closed
+            return b""
 
     def type(self, text):
         os.write(self.keys, text.encode())
 
     def exit_code(self):
+        """Reads to the end: a terminal that nobody reads holds its program up."""
+        end = time.monotonic() + PATIENCE
+        while not select.select([self.keys], [], [], 0.1)[0] or self.read_any():
+            if time.monotonic() > end:
+                os.kill(self.process, signal.SIGKILL)
         return os.waitstatus_to_exitcode(os.waitpid(self.process, 0)[1])
 
 
