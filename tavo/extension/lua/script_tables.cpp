@@ -433,26 +433,6 @@ bool XScriptTables::HasField(lua_State* state, int index, char const* key) {
     return has;
 }
 
-XDatabase* XScriptTables::DatabaseOf(long long id) {
-    if (id < 0 || id > std::numeric_limits<int>::max()) return nullptr;
-    XApplication& application = XApplication::Instance();
-    if (!application.IsStarted()) return nullptr;
-    if (application.ActiveScene().DatabaseID() == int(id)) return &application.ActiveScene();
-    return application.GetDatabaseByID(int(id));
-}
-
-// Straight from the graph: what is gone is no error here, where the scene's own look-up would log one.
-XObject XScriptTables::ObjectOf(XDatabase const* database, long long id) {
-    if (!database || !database->SceneGraph() || id < 0 || id > std::numeric_limits<int>::max()) return {};
-    db::Node* const node = database->SceneGraph()->lookupNode(int(id));
-    return node && node != database->SceneGraph() ? XObject(*database, *node) : XObject();
-}
-
-XAttribute XScriptTables::AttributeOf(XDatabase const* database, long long id) {
-    if (!database || !database->SceneGraph() || id < 0 || id > std::numeric_limits<int>::max()) return {};
-    return XAttribute(database->SceneGraph()->lookupAttribute(int(id)));
-}
-
 XDatabase* XScriptTables::DatabaseAt(lua_State* state, int index) {
     index = lua_absindex(state, index);
     lua_pushstring(state, XScriptBase::SceneID);

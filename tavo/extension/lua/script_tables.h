@@ -7,7 +7,11 @@
 // asked for, and stay in the table from then on. Indexing, assignment and pairs behave as if all had been there from
 // the start; only a field that was asked for and then set to nil comes back. `==` compares what is meant.
 #pragma once
+#include "tavo/app/application.h"
 #include "tavo/extension/lua/script_call.h"
+#include "tavo/objects/scene.h"
+#include "tavo/objects/scene_graph.h"
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
@@ -78,5 +82,28 @@ private:
     Metatables _attribute{};
     int _scene = 0, _keyframe = 0, _vector = 0, _quaternion = 0, _matrix = 0;  // metatables in the registry
 };
+
+// What follows is in the way of every call. It goes straight to the graph: what is gone is no error here, where the
+// scene's own look-up would log one.
+
+inline XDatabase* XScriptTables::DatabaseOf(long long id) {
+    XApplication& application = XApplication::Instance();
+    if (id < 0 || id > std::numeric_limits<int>::max() || !application.IsStarted()) return nullptr;
+    XScene& active = application.ActiveScene();
+    return active.DatabaseID() == int(id) ? &active : application.GetDatabaseByID(int(id));
+}
+
+inline XObject XScriptTables::ObjectOf(XDatabase const* database, long long id) {
+    XSceneGraph* const graph = database ? database->SceneGraph() : nullptr;
+    if (!graph || id < 0 || id > std::numeric_limits<int>::max()) return {};
+    db::Node* const node = graph->lookupNode(int(id));
+    return node && node != graph ? XObject(*database, *node) : XObject();
+}
+
+inline XAttribute XScriptTables::AttributeOf(XDatabase const* database, long long id) {
+    XSceneGraph* const graph = database ? database->SceneGraph() : nullptr;
+    if (!graph || id < 0 || id > std::numeric_limits<int>::max()) return {};
+    return XAttribute(graph->lookupAttribute(int(id)));
+}
 
 }  // namespace Tavo
