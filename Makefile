@@ -39,11 +39,12 @@ format: ## Format the sources
 format-check: ## Fail if a source is not formatted
 	@$(SOURCES) | xargs clang-format --dry-run -Werror
 
-readme: release ## Write what the host really prints into its pages: sessions, and the reference of the commands
+readme: release ## Write what the host really prints into its pages: sessions, and the references of commands and scripts
 	@scripts/check_readme_session.py --host build/release/bin/tavo --update
 	@for page in host $(PICTURED); do \
 	    scripts/check_readme_session.py --host build/release/bin/tavo --page docs/$$page.md --update || exit 1; done
 	@build/release/bin/tavo commands --markdown >docs/commands.md
+	@build/release/bin/tavo run --reference >docs/lua_reference.md
 
 docs-pictures: release ## Draw the pictures of the pages that have some, by their own commands
 	@for page in $(PICTURED); do scripts/docs_pictures.sh build/release/bin/tavo $$page || exit 1; done
