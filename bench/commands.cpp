@@ -4,7 +4,7 @@
 // The scene is a clip of 60 joints with a curve for each of its 183 channels, 200 keys each. A history is of commands
 // alone; its bytes are told a step, by its own account (records, old values, labels) and by what the heap has grown,
 // which includes nodes that only the history keeps.
-#include "tavo/tavo.h"
+#include "bench/application.h"
 #include "tests/commands/clip.h"
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -18,27 +18,12 @@ using namespace Tavo;
 constexpr int joints = 60, frames = 200;
 constexpr int warmUp = 2 * frames;  // then each frame has its key, and each step overwrites one
 
-class Silent : public Qelutils::BasicLogger {
-public:
-    void Log(Level, char const*) override {}
-    void Log(Level, wchar_t const*) override {}
-    void Log(Level, std::wstring const&) override {}
-};
-
-class Session {
+class Session : public bench::Application {
 public:
     Session() {
-        application().AddSceneObserver(&types_).AddSettingsObserver(&types_);
-        application().Startup(nullptr, &log_, L"");
-        application().Settings().New();
-        scene().New();
         importClipInto(scene(), joints, frames);
         scene().SceneGraph()->ClearUndoHistory();
     }
-    ~Session() { application().Shutdown(); }
-
-    static XApplication& application() { return XApplication::Instance(); }
-    static XScene& scene() { return application().ActiveScene(); }
     static void run(wchar_t const* name) { scene().RunCommand(name); }
     static void select(int count) {
         Qelutils::Vector<XObject> all;
@@ -49,10 +34,6 @@ public:
         scene().CommitTransient();
         scene().SceneGraph()->ClearUndoHistory();
     }
-
-private:
-    Silent log_;
-    XCoreTypes types_;
 };
 
 // Of this thread: other work on the machine does not count.

@@ -6,30 +6,14 @@
 // medians, so that what else the machine does meets both alike. Promised: one character costs at most 1.8 times the
 // loop, a hundred at most 2 times, reading one of a hundred at most 1.2 times having only that one, and a frame in the
 // steady state allocates nothing.
+#include "bench/allocations.h"
 #include "qel/sg/scene.h"
 #include "qel/utils/rotation.h"
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <cstdlib>
 #include <ctime>
 #include <memory>
-#include <new>
-
-namespace {
-
-std::size_t allocations = 0;
-
-}  // namespace
-
-// Not inlined: the compiler would see a new that is freed.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* p = std::malloc(size)) return p;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
-[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
@@ -189,9 +173,9 @@ template<class Base, class Subject> Figures compare(int characters, Base base, S
     std::size_t allocated = 0;
     for (int i = 0; i < samples; ++i, clock.frame += batch) {
         a.push_back(seconds(base, clock, batch));
-        std::size_t const before = allocations;
+        std::size_t const before = bench::allocations;
         b.push_back(seconds(subject, clock, batch));
-        allocated += allocations - before;
+        allocated += bench::allocations - before;
     }
     return {median(a), median(b), allocated};
 }

@@ -1,26 +1,10 @@
 // What retargeting costs: a frame beside a plain loop that carries each joint's local rotation over, alone and as a
 // node of the graph, and the matching of two skeletons. Promised: a frame at most 3 times the loop, and no allocation.
+#include "bench/allocations.h"
 #include "bench/timing.h"
 #include "qel/sg/scene.h"
 #include "qel/solvers/retarget.h"
 #include "tests/qel/solvers/humanoid.h"
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::size_t allocations = 0;
-
-}  // namespace
-
-// Not inlined: the compiler would see a new that is freed.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* p = std::malloc(size)) return p;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
-[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
@@ -53,9 +37,9 @@ void frame(benchmark::State& state) {
     sg::Retarget job;
     job.rig = &rig, job.source = pose, job.target = out;
     job.Run();
-    std::size_t const before = allocations;
+    std::size_t const before = bench::allocations;
     job.Run();
-    state.counters["allocations"] = double(allocations - before);
+    state.counters["allocations"] = double(bench::allocations - before);
     constexpr int rounds = 1000;
     bench::compare(
         state, double(rounds) * double(source.size()),
@@ -100,9 +84,9 @@ void nodeFrame(benchmark::State& state) {
         benchmark::DoNotOptimize(sum);
     };
     frame(), frame();
-    std::size_t const before = allocations;
+    std::size_t const before = bench::allocations;
     frame();
-    state.counters["allocations"] = double(allocations - before);
+    state.counters["allocations"] = double(bench::allocations - before);
     for (auto _ : state) frame();
 }
 BENCHMARK(nodeFrame)->Arg(31)->Arg(60)->Unit(benchmark::kMicrosecond);

@@ -1,7 +1,7 @@
 // What rigs cost to make, to make again and to take back, on skeletons of limbs of twelve joints: the times of a joint
 // must not grow with the skeleton.
+#include "bench/application.h"
 #include "bench/timing.h"
-#include "tavo/tavo.h"
 #include "tests/commands/clip.h"
 #include <cstdlib>
 
@@ -11,20 +11,9 @@ using namespace Tavo;
 
 constexpr int joints[] = {48, 144, 432};
 
-class Silent : public Qelutils::BasicLogger {
-public:
-    void Log(Level, char const*) override {}
-    void Log(Level, wchar_t const*) override {}
-    void Log(Level, std::wstring const&) override {}
-};
-
-class Session {
+class Session : public bench::Application {
 public:
     explicit Session(int count) {
-        application().AddSceneObserver(&types_).AddSettingsObserver(&types_);
-        application().Startup(nullptr, &log_, L"");
-        application().Settings().New();
-        scene().New();
         for (wchar_t const* name : {L"first", L"second"}) {
             XObject top = scene().CreateObject(XTransform::TypeID);
             top.SetName(name);
@@ -33,10 +22,6 @@ public:
         }
         scene().SceneGraph()->ClearUndoHistory();
     }
-    ~Session() { application().Shutdown(); }
-
-    static XApplication& application() { return XApplication::Instance(); }
-    static XScene& scene() { return application().ActiveScene(); }
     static XObject top(std::wstring const& name) { return scene().RootObject().Child(name); }
     // The root of the first skeleton and the last joint of each of its limbs.
     static void selectChains() {
@@ -51,10 +36,6 @@ public:
         scene().Selection().Select(top(L"first")).Append(top(L"second"));
         scene().CommitTransient();
     }
-
-private:
-    Silent log_;
-    XCoreTypes types_;
 };
 
 // Times made, made again and undone, each per joint, and the exponents over the sizes.

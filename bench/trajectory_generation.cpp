@@ -4,7 +4,7 @@
 // the graph evaluates: of a generation over all objects against the same number of frames played by hand, each read
 // once; and, against that, of ten generations over one object each. The summary prints the ratios, and the time of a
 // generation against that of playing.
-#include "tavo/tavo.h"
+#include "bench/application.h"
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -17,20 +17,9 @@ using Objects = Qelutils::Vector<XObject>;
 
 constexpr int objects = 10, chain = 60, frames = 1000, rate = 100;
 
-class Silent : public Qelutils::BasicLogger {
-public:
-    void Log(Level, char const*) override {}
-    void Log(Level, wchar_t const*) override {}
-    void Log(Level, std::wstring const&) override {}
-};
-
-class Stage {
+class Stage : public bench::Application {
 public:
     Stage() {
-        application.AddSceneObserver(&types).AddSettingsObserver(&types);
-        application.Startup(nullptr, &log, L"");
-        application.Settings().New();
-        scene().New();
         scene().SceneGraph()->setMaxUndoItems(0);
         settings().FrameRate().SetInteger(rate);
         settings().EndTime().SetFloat(float(frames - 1) / rate);
@@ -38,8 +27,6 @@ public:
         for (int i = 1; i < chain; ++i) end = link(end, i);
         for (int i = 0; i < objects; ++i) ends.push_back(link(end, i));
     }
-    ~Stage() { application.Shutdown(); }
-
     XSceneSettings settings() const { return scene().SceneSettings(); }
 
     // Without what was made: the scene stays as it is.
@@ -70,8 +57,6 @@ public:
         return double(scene().SceneGraph()->evaluations() - before);
     }
 
-    XApplication& application = XApplication::Instance();
-    XScene& scene() const { return application.ActiveScene(); }
     Objects ends;
     int made = 0;
 
@@ -88,9 +73,6 @@ private:
         XAnimation curve = channel.CreateAnimation();
         for (int i = 0; i <= 10; ++i) curve.SetKeyframe(float(i), 0.1F * float((i * 7 + seed * 3) % 11));
     }
-
-    Silent log;
-    XCoreTypes types;
 };
 
 void Generation(benchmark::State& state) {
