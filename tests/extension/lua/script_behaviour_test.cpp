@@ -221,6 +221,15 @@ TEST_F(ScriptBehaviour, PairsOnTheDeadShowsFunctionsAlone) {
                    "for k, v in pairs(j) do seen[k] = type(v) end return seen.name, seen.TranslationX"));
 }
 
+TEST_F(ScriptBehaviour, PairsOnTheDeadDoesNotHideTheFieldsOfWhatComesBack) {
+    EXPECT_EQ("nil 3 true true",
+              eval("local j = scene:createObject('Joint') j:addCustomInteger('Load', 3) "
+                   "local colour = j.Colour scene:undo() "
+                   "for k in pairs(j) do end for k in pairs(colour) do end j.other = nil "
+                   "local gone = j.Load scene:redo() return gone, j.Load:get(), "
+                   "j.Visible:isValid(), colour[colour:attribute(1):name()] == colour:attribute(1)"));
+}
+
 TEST_F(ScriptBehaviour, AFieldOfADeletedAttributeOwnerIsInvalidUntilTheObjectComesBack) {
     EXPECT_EQ("false true 3", eval("j = scene:createObject('Joint') j:addCustomInteger('Load', 3) load = j.Load "
                                    "scene:undo() local gone = load:isValid() scene:redo() "
