@@ -6,6 +6,7 @@
 #include "tavo/objects/scene_graph.h"
 #include <filesystem>
 #include <lua.hpp>
+#include <set>
 
 namespace Tavo {
 namespace {
@@ -22,8 +23,10 @@ struct XLuaScript::Run {
     int database;             // the active scene's at the beginning, on which it holds one
     bool isOutermost;         // no block was open there before
     std::map<int, int> open;  // those of beginUndo, by the document's id
+    std::set<int> outside;    // documents on which its blocks, and those of the runs around it, are ended for a while
 
     int blocksOn(int id) const {
+        if (outside.count(id)) return 0;
         auto const found = open.find(id);
         return (database == id ? 1 : 0) + (found == open.end() ? 0 : found->second) + (outer ? outer->blocksOn(id) : 0);
     }
@@ -65,7 +68,7 @@ void XLuaScript::registerFunctions() {
 
 int XLuaScript::run(std::function<int()> const& action) {
     XDatabase& database = XApplication::Instance().ActiveScene();
-    Run current{_run, database.DatabaseID(), database.IsValid() && !database.SceneGraph()->isInChangeBlock(), {}};
+    Run current{_run, database.DatabaseID(), database.IsValid() && !database.SceneGraph()->isInChangeBlock(), {}, {}};
     database.BeginChangeBlock();
     _run = &current;
     int const status = action();
@@ -116,10 +119,15 @@ bool XLuaScript::RunFile(std::wstring const& file) {
 // ---- the history ----
 
 void XLuaScript::OutsideBlocks(XScene& scene, std::function<void()> const& action) {
-    int const count = _run ? _run->blocksOn(scene.DatabaseID()) : 0;
+    int const id = scene.DatabaseID();
+    int const count = _run ? _run->blocksOn(id) : 0;
+    if (count == 0) return action();
+    Run& current = *_run;
+    current.outside.insert(id);  // handlers may run from here on
     for (int i = 0; i < count; ++i) scene.EndChangeBlock(stepLabel);
     action();
     for (int i = 0; i < count; ++i) scene.BeginChangeBlock();
+    current.outside.erase(id);
 }
 
 void XLuaScript::Undo(XScene& scene) {

@@ -88,12 +88,14 @@ std::wstring textAt(lua_State* state, int index) {
 
 struct ObjectFields {
     static XObject At(lua_State* state) { return XScriptTables::ObjectAt(state, 1); }
+    static bool IsThere(lua_State* state) { return At(state).IsValid(); }
 };
 struct AttributeFields {
     static XAttribute At(lua_State* state) {
         XAttribute const attribute = XScriptTables::AttributeAt(state, 1);
         return attribute.IsCompositeAttribute() ? attribute : XAttribute();
     }
+    static bool IsThere(lua_State* state) { return XScriptTables::AttributeAt(state, 1).IsValid(); }
 };
 
 // An attribute hides a function of its name; such attributes are custom ones.
@@ -137,7 +139,8 @@ template<class Fields> int indexField(lua_State* state) {
     return 1;
 }
 
-// All fields that are not there yet; then the table is like any other.
+// All fields that are not there yet; then the table is like any other. What is gone has no attributes, but may come
+// back with them.
 template<class Fields> void fill(lua_State* state) {
     auto const owner = Fields::At(state);
     for (int i = 0, count = owner.IsValid() ? owner.AttributeCount() : 0; i < count; ++i) {
@@ -169,6 +172,7 @@ template<class Fields> void fill(lua_State* state) {
         else
             lua_rawset(state, 1);
     }
+    if (!Fields::IsThere(state)) return;
     lua_pushvalue(state, lua_upvalueindex(FullUpvalue));
     lua_setmetatable(state, 1);
 }

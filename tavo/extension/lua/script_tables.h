@@ -6,6 +6,10 @@
 // An object's functions and the fields of its attributes, of which there are hundreds, come into being when they are
 // asked for, and stay in the table from then on. Indexing, assignment and pairs behave as if all had been there from
 // the start; only a field that was asked for and then set to nil comes back. `==` compares what is meant.
+//
+// No identifier is given twice by one document, undone, emptied or closed. A document that is loaded brings those of
+// its file: a table names the same object after the same document is loaded again, and in another document whatever
+// bears its identifier there.
 #pragma once
 #include "tavo/app/application.h"
 #include "tavo/extension/lua/script_call.h"
