@@ -1,38 +1,31 @@
--- Measures every clip of a folder: how long it takes, how far its figure goes and how fast.
---   tavo run examples/lua/06_batch_folder.lua -- examples summary.csv
+-- Measures clips: how long each takes, how far its figure goes, and how fast.
+-- tavo run examples/lua/06_batch_folder.lua -- examples/*.bvh
 local scene = app.scene()
-local folder, summary = arg and arg[1] or ".", arg and arg[2] or "summary.csv"
 
--- The topmost joint of the figure that a clip holds.
-local function root()
-    for _, joint in ipairs(scene:objectsByType("Joint")) do
-        if not joint:parent():isType("Joint") then return joint end
-    end
-end
-
--- Along the ground, from frame to frame.
+-- How far a joint comes along the ground, in metres, from frame to frame.
 local function wayOf(joint)
-    local way, lastX, lastZ = 0, nil, nil
-    local from, count = scene:startTime(), math.floor((scene:endTime() - scene:startTime()) * scene:frameRate() + 0.5)
-    for frame = 0, count do
-        scene:setTime(from + frame / scene:frameRate())
-        local at = joint:worldTranslation()
-        if lastX then way = way + math.sqrt((at.x - lastX) ^ 2 + (at.z - lastZ) ^ 2) end
-        lastX, lastZ = at.x, at.z
+    local way, before = 0, nil
+    local frames = math.floor((scene:endTime() - scene:startTime()) * scene:frameRate() + 0.5)
+    for frame = 0, frames do
+        scene:setTime(scene:startTime() + frame / scene:frameRate())
+        local place = joint:worldTranslation()
+        place.y = 0
+        way, before = way + place:distance(before or place), place
     end
     return way
 end
 
-local rows = {"clip,seconds,metres,metres per second"}
-local quoted = "'" .. folder:gsub("'", "'\\''") .. "'"
-for name in assert(io.popen("ls " .. quoted)):lines() do
-    if name:match("%.bvh$") then
-        scene:clear()
-        app.command("ImportFile").File:set(folder .. "/" .. name)
-        scene:run("ImportFile")
-        local seconds, metres = scene:endTime() - scene:startTime(), wayOf(root())
-        rows[#rows + 1] = ("%s,%.3f,%.3f,%.3f"):format(name, seconds, metres, metres / math.max(seconds, 1e-9))
+print(string.format("%-24s %6s %7s %7s %5s", "clip", "joints", "s", "m", "m/s"))
+for _, file in ipairs({...}) do
+    scene:clear()
+    app.command("ImportFile").File:set(file)
+    scene:run("ImportFile")
+    local joints = scene:objectsByType("Joint")
+    if #joints == 0 then
+        print(file .. " has no figure")
+    else
+        local seconds, way = scene:endTime() - scene:startTime(), wayOf(joints[1])
+        local name = file:match("[^/]*$")
+        print(string.format("%-24s %6d %7.2f %7.2f %5.2f", name, #joints, seconds, way, way / math.max(seconds, 1e-9)))
     end
 end
-assert(io.open(summary, "w")):write(table.concat(rows, "\n"), "\n"):close()
-print(("%d clips in %s"):format(#rows - 1, summary))

@@ -72,10 +72,7 @@ ScriptSession::ScriptSession(ScriptOptions const& options) :
     session_.log().passOver([this](std::string const& error) { return isTold(error); });
     owner_->Protect([this] { replaceExit(); });
     for (std::string const& text : options.assignments) assign(text);
-    if (options.input.file.empty())
-        session_.scene().New();
-    else
-        session_.open(options.input);
+    options.input.file.empty() ? void(scene().New()) : session_.open(options.input);
     scene().SceneGraph()->ClearUndoHistory();
     owner_.SetLimits({std::size_t(options.maxMemory.value_or(0) * bytesPerMegabyte), maxSeconds_.value_or(0)});
 }

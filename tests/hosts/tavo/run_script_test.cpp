@@ -45,6 +45,17 @@ TEST_F(Run, WithoutAFileItWorksOnANewScene) {
     EXPECT_TRUE(holds("out.tavo", " 1 Joint\n"));
     EXPECT_FALSE(holds("out.tavo", "Hips"));
 }
+TEST_F(Run, ANewSceneHasItsSettingsAndATopLikeThatOfAFile) {
+    std::string const ask = "local s = app.scene() s:setTime(0.5) "
+                            "print(s:frameRate() > 0, s:time(), s:createObject(\"Joint\"):parent():path()) ";
+    EXPECT_EQ(code(ask), "true\t0.5\tScene\n");
+    EXPECT_EQ(code(ask), code(ask, "walk.bvh"));
+}
+TEST_F(Run, AClipIsBroughtIntoANewSceneAsTheHostBringsIt) {
+    std::string const paths = "for _, joint in ipairs(app.scene():objectsByType(\"Joint\")) do print(joint:path()) end";
+    EXPECT_EQ(code("app.command(\"ImportFile\").File:set(\"walk.bvh\") app.scene():run(\"ImportFile\") " + paths),
+              code(paths, "walk.bvh"));
+}
 TEST_F(Run, AClipIsWrittenWhereTheNameAsksForOne) {
     code("", "walk.bvh -o out.bvh");
     EXPECT_TRUE(text("out.bvh").starts_with("HIERARCHY"));
