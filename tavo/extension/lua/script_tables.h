@@ -17,7 +17,7 @@
 #include <vector>
 
 namespace db {
-struct NodeDef;
+class NodeDef;
 }
 
 namespace Tavo {
