@@ -136,13 +136,40 @@ std::string argument(Bytes& bytes) {
 // What empties the document and its history can't be undone; that has tests of its own.
 bool isLeftOut(XScriptFunction const& row) { return !std::strcmp(row.Name(), "clear"); }
 
+// What the functions of a set are for, at its place in `v`; the first one for sets that come later.
+std::string usualSelf(XScriptSet const& set) {
+    char const* const tables[] = {"Scene",     "Object",   "Trajectory", "IKHandle",   "RenderObject",
+                                  "Transform", "",         "",           "",           "Attribute",
+                                  "",          "Keyframe", "Vector3",    "Quaternion", "Matrix"};
+    std::size_t place = 0;
+    for (std::size_t i = 0; i < std::size(tables); ++i)
+        if (!std::strcmp(tables[i], set.table)) place = i;
+    return "v[" + std::to_string(!std::strcmp(set.table, "Joint") ? 2 : place + 1) + "]";
+}
+
+std::string usualArgument(XScriptType const& type, Bytes& bytes) {
+    switch (type.kind) {
+    case XScriptKind::Integer:
+    case XScriptKind::Number: return bytes.oneOf(numbers);
+    case XScriptKind::Text:
+    case XScriptKind::Key: return bytes.oneOf(texts);
+    case XScriptKind::Vector: return "{0.5, 1, -2}";
+    case XScriptKind::Object: return "v[" + std::to_string(2 + bytes.below(5)) + "]";
+    default: return argument(bytes);
+    }
+}
+
+// Every other one as it is meant; anything in the others.
 std::string call(Bytes& bytes) {
     XScriptSet const& set = *AllScriptSets()[bytes.below(AllScriptSets().size())];
     XScriptFunction const& row = set.functions[bytes.below(set.functions.size())];
     if (isLeftOut(row) && &set == &SceneFunctions()) return {};
+    bool const isUsual = bytes.below(2) == 1;
     std::string text = std::string("call(F.") + set.table + "['" + row.Name() + "']";
-    if (&set != &AppFunctions()) text += ", " + table(bytes);
-    for (std::size_t i = bytes.below(mostArguments); i > 0; --i) text += ", " + argument(bytes);
+    if (&set != &AppFunctions()) text += ", " + (isUsual ? usualSelf(set) : table(bytes));
+    std::size_t const count = bytes.below(isUsual ? row.Arguments().size() + 1 : mostArguments);
+    for (std::size_t i = 0; i < count; ++i)
+        text += ", " + (isUsual ? usualArgument(row.ArgumentTypes()[i], bytes) : argument(bytes));
     return text + ")\n";
 }
 

@@ -21,7 +21,7 @@
 #include <vector>
 
 namespace db {
-struct NodeDef;
+class NodeDef;
 }
 
 namespace Tavo {
