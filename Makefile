@@ -41,7 +41,7 @@ format-check: ## Fail if a source is not formatted
 
 readme: release ## Write what the host really prints into its pages: sessions, and the references of commands and scripts
 	@scripts/check_readme_session.py --host build/release/bin/tavo --update
-	@for page in host $(PICTURED); do \
+	@for page in host lua $(PICTURED); do \
 	    scripts/check_readme_session.py --host build/release/bin/tavo --page docs/$$page.md --update || exit 1; done
 	@build/release/bin/tavo commands --markdown >docs/commands.md
 	@build/release/bin/tavo run --reference >docs/lua_reference.md

@@ -1,10 +1,13 @@
 #include "tavo/commands/file_commands.h"
+#include "qel/utils/text.h"
 #include "qel/widgets/app_main_loop.h"
 #include "qel/widgets/file_dialog.h"
 #include "tavo/app/application.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/settings.h"
 #include "tavo/objects/translator.h"
+#include <algorithm>
+#include <filesystem>
 
 namespace Tavo {
 namespace {
@@ -28,6 +31,16 @@ bool askForFile(wxUtils::FileDialogRequest const& request, std::wstring& path) {
     return answer == wxUtils::DialogOK;
 }
 
+// Without steps such as ./ and ../, which the settings would take for the beginning of the file's extension.
+std::wstring withoutSteps(std::wstring const& file) {
+    std::filesystem::path const path = Qelutils::toUtf8(file);
+    if (std::none_of(path.begin(), path.end(), [](auto const& part) { return part == "." || part == ".."; }))
+        return file;
+    std::error_code failed;
+    std::filesystem::path const whole = std::filesystem::absolute(path, failed);
+    return failed ? file : Qelutils::fromUtf8(whole.lexically_normal().string());
+}
+
 // For one run: whoever runs the command next is asked again.
 std::wstring takeFile(XAttribute parameter) {
     std::wstring file = parameter.String();
@@ -36,7 +49,7 @@ std::wstring takeFile(XAttribute parameter) {
     settings.BeginChangeBlock();
     parameter.SetString({});
     settings.EndChangeBlock();
-    return file;
+    return withoutSteps(file);
 }
 
 }  // namespace

@@ -131,6 +131,13 @@ TEST_F(LuaExamples, OneUndoTakesAnExampleBack) {
     EXPECT_EQ(lines.back(), "0");
 }
 
+TEST_F(LuaExamples, ABatchTellsOfAClipThatIsMissingAndGoesOn) {
+    Outcome const outcome = tavo("run examples/lua/06_batch_folder.lua -- nowhere.bvh walk.bvh");
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(has(outcome.out, "\nnowhere.bvh has no figure\nwalk.bvh  ")) << outcome.out;
+    EXPECT_TRUE(has(outcome.err, "nowhere.bvh")) << outcome.err;
+}
+
 // ---- the files that they write ----
 
 TEST_F(LuaExamples, TheReportHasALineForEachJoint) {

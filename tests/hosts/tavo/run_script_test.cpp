@@ -56,6 +56,18 @@ TEST_F(Run, AClipIsBroughtIntoANewSceneAsTheHostBringsIt) {
     EXPECT_EQ(code("app.command(\"ImportFile\").File:set(\"walk.bvh\") app.scene():run(\"ImportFile\") " + paths),
               code(paths, "walk.bvh"));
 }
+TEST_F(Run, AClipIsFoundByStepsThroughFolders) {
+    fs::create_directory(folder / "inner");
+    for (char const* path : {"./walk.bvh", "inner/../walk.bvh", "../FOLDER/walk.bvh"}) {
+        std::string file = path;
+        if (std::size_t const at = file.find("FOLDER"); at != file.npos)
+            file.replace(at, 6, folder.filename().string());
+        EXPECT_EQ(code("app.command(\"ImportFile\").File:set(\"" + file +
+                       "\") app.scene():run(\"ImportFile\") print(#app.scene():objectsByType(\"Joint\"))"),
+                  "30\n")
+            << file;
+    }
+}
 TEST_F(Run, AClipIsWrittenWhereTheNameAsksForOne) {
     code("", "walk.bvh -o out.bvh");
     EXPECT_TRUE(text("out.bvh").starts_with("HIERARCHY"));
