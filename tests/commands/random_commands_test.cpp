@@ -141,9 +141,9 @@ private:
 
 // Rigs and their solves are what costs, and some ten times as much under the sanitizers.
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int commandsToRun = 3000;
+constexpr int commandsToRun = 2000;
 #else
-constexpr int commandsToRun = 10000;
+constexpr int commandsToRun = 5000;
 #endif
 
 TEST_P(RandomCommands, AreUndoneToTheFirstByteAndRedoneToTheLast) {

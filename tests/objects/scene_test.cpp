@@ -422,6 +422,7 @@ protected:
     SceneFiles() {
         std::filesystem::create_directories(folder);
         for (char const* name : {"a.lua", "b.lua", "c.txt"}) std::ofstream(folder / name) << "";
+        application().RemoveScriptEngine(application().LuaScript());  // for one that notes what it is to run
     }
     ~SceneFiles() override { std::filesystem::remove_all(folder); }
 
