@@ -2,6 +2,7 @@
 #include "qel/utils/text.h"
 #include "tavo/animation/animation.h"
 #include "tavo/extension/lua/attribute_values.h"
+#include "tavo/extension/lua/script_tables.h"
 #include <cmath>
 #include <lua.hpp>
 #include <span>

@@ -4,6 +4,7 @@
 #include "tavo/app/application.h"
 #include "tavo/extension/lua/lua_script.h"
 #include "tavo/extension/lua/script_events.h"
+#include "tavo/objects/object.h"
 #include <algorithm>
 #include <lua.hpp>
 

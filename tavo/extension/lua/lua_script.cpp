@@ -2,6 +2,7 @@
 #include "qel/utils/text.h"
 #include "tavo/app/application.h"
 #include "tavo/extension/lua/script_sets.h"
+#include "tavo/extension/lua/script_tables.h"
 #include "tavo/objects/scene.h"
 #include "tavo/objects/scene_graph.h"
 #include <filesystem>

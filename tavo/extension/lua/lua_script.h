@@ -8,7 +8,6 @@
 #pragma once
 #include "qel/lua/lua_state.h"
 #include "tavo/app/script_engine.h"
-#include "tavo/extension/lua/script_tables.h"
 #include <functional>
 #include <map>
 #include <memory>
@@ -17,6 +16,8 @@
 namespace Tavo {
 
 class XDatabase;
+class XObject;
+class XScriptTables;
 
 class XLuaScript : public XScriptEngine {
 public:

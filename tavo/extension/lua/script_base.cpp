@@ -3,6 +3,7 @@
 #include "qel/utils/text.h"
 #include "tavo/app/application.h"
 #include "tavo/extension/lua/lua_script.h"
+#include "tavo/extension/lua/script_tables.h"
 #include <cmath>
 #include <limits>
 #include <lua.hpp>

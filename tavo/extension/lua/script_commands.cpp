@@ -3,6 +3,7 @@
 #include "tavo/app/application.h"
 #include "tavo/commands/command_node.h"
 #include "tavo/extension/lua/lua_script.h"
+#include "tavo/extension/lua/script_tables.h"
 #include "tavo/objects/object_def.h"
 #include "tavo/objects/scene_graph.h"
 #include "tavo/objects/settings.h"

@@ -29,6 +29,11 @@ namespace Tavo {
 class XLuaScript;
 struct XScriptSet;
 
+// References into Lua's registry: a metatable while fields are still to come, and one for when all are there.
+struct XScriptMetatables {
+    int lazy, full;
+};
+
 class XScriptTables {
 public:
     // Builds the functions' tables; inside a protected call.
@@ -68,22 +73,18 @@ public:
     static XAttribute AttributeOf(XDatabase const* database, long long id);
 
 private:
-    // References into Lua's registry: a metatable while fields are still to come, and one for when all are there.
-    struct Metatables {
-        int lazy, full;
-    };
-    Metatables const& metatablesOf(lua_State* state, XObject const& object);
-    Metatables makeMetatables(lua_State* state, std::vector<std::wstring> const& types);
-    Metatables makeLazy(lua_State* state, int functions, int (*index)(lua_State*), int (*pairs)(lua_State*),
-                        int (*assign)(lua_State*), int (*describe)(lua_State*));
+    XScriptMetatables const& metatablesOf(lua_State* state, XObject const& object);
+    XScriptMetatables makeMetatables(lua_State* state, std::vector<std::wstring> const& types);
     int makePlain(lua_State* state, XScriptSet const& set);
+    template<class Value>
+    void pushValue(lua_State* state, Value const& value, int sceneID, int positions, int metatable);
     void setIdentity(lua_State* state, int scene, int object);
 
     XLuaScript& _script;
     XScriptEngineCell* _engine;
-    std::map<std::vector<std::wstring>, Metatables> _byTypes;
-    std::map<db::NodeDef const*, Metatables> _byNode;
-    Metatables _attribute{};
+    std::map<std::vector<std::wstring>, XScriptMetatables> _byTypes;
+    std::map<db::NodeDef const*, XScriptMetatables> _byNode;
+    XScriptMetatables _attribute{};
     int _scene = 0, _keyframe = 0, _vector = 0, _quaternion = 0, _matrix = 0;  // metatables in the registry
 };
 

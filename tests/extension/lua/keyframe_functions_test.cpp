@@ -1,4 +1,5 @@
 #include "tavo/extension/lua/script_sets.h"
+#include "tavo/extension/lua/script_tables.h"
 #include "tests/extension/lua/script_fixture.h"
 
 namespace Tavo {

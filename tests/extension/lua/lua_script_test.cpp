@@ -95,6 +95,14 @@ TEST_F(LuaScriptTest, ValuesAreWrittenBackIntoTheirTable) {
                                           "return string.format('%g', m), v, string.format('%.1f', v.z)"));
 }
 
+TEST_F(LuaScriptTest, MetamethodsMayBeCalledWithAnything) {
+    run("local meta = getmetatable(scene:createObject('Joint')) "
+        "for _, method in ipairs({'__index', '__newindex', '__pairs', '__eq', '__tostring'}) do "
+        "for _, first in ipairs({5, 'x', true, print, {}}) do pcall(meta[method], first, 'name', nil) end "
+        "pcall(meta[method]) end "
+        "local step = pairs(scene:createObject('Joint')) pcall(step, 5) pcall(step)");
+}
+
 // The last finalizers of a state run when it is closed.
 TEST_F(LuaScriptTest, FinalizersMayCallFunctionsWhenTheStateCloses) {
     run("local j = scene:createObject('Joint') setmetatable({}, {__gc = function() j:name() end})");

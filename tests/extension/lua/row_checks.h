@@ -5,6 +5,7 @@
 // In Lua stand, for each set: `good_<table>`, which its functions are for; `foreign_<table>`, the same of another
 // scene; `dead_<table>`, of what was destroyed; `removed_<table>`, of what an undo would bring back. Further
 // `document`, an object of the settings document, S and O, the ids of the scene and of good_Object.
+#include "tavo/extension/lua/script_tables.h"
 #pragma once
 #include "tavo/extension/lua/script_sets.h"
 #include "tests/commands/fixture.h"

@@ -1,4 +1,5 @@
 // Scripts on values: `vec`, `quat` and `mat` make them, and what an expression gives comes back as numbers.
+#include "tavo/extension/lua/script_tables.h"
 #pragma once
 #include "tests/extension/lua/script_fixture.h"
 #include <cmath>
