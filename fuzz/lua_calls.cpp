@@ -4,6 +4,7 @@
 #include "qel/db/saver_xml.h"
 #include "qel/utils/text.h"
 #include "tavo/extension/lua/script_sets.h"
+#include "tavo/extension/lua/script_tables.h"
 #include "tavo/tavo.h"
 #include <cstdint>
 #include <cstdio>

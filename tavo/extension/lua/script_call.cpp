@@ -374,7 +374,7 @@ Qelutils::Vector<XObject> XScriptCall::TakeMatches() {
 
 namespace {
 
-// The ids of a table, by one look at each; false without a scene's id.
+// The ids of a table, by one look at each, which stay on the stack; false without a scene's id.
 bool readIDs(lua_State* state, long long& scene, long long& object) {
     lua_pushvalue(state, lua_upvalueindex(SceneIDUpvalue));
     lua_rawget(state, 1);
@@ -384,7 +384,6 @@ bool readIDs(lua_State* state, long long& scene, long long& object) {
     scene = lua_tointegerx(state, -2, &hasScene);
     object = lua_tointegerx(state, -1, &hasObject);
     if (!hasObject) object = XObject::InvalidID;
-    lua_pop(state, 2);
     return hasScene != 0;
 }
 
@@ -395,6 +394,7 @@ void XScriptCall::beginSelf(long long& object) {
     if (lua_type(_state, 1) != LUA_TTABLE) Fail("argument 1 is not the table that it belongs to: call it with a colon");
     long long scene = 0;
     if (!readIDs(_state, scene, object)) throw XScriptError("Invalid scene ID");
+    if (!_binding.function->Arguments().empty()) lua_pop(_state, 2);  // or what was left out would be found there
     _database = XScriptTables::DatabaseOf(scene);
 }
 
@@ -455,6 +455,7 @@ void XScriptCall::beginValue() {
     if (!lua_istable(_state, 1)) Fail("argument 1 is not the value that it belongs to: call it with a colon");
     long long scene = 0, object = 0;
     if (readIDs(_state, scene, object)) _database = XScriptTables::DatabaseOf(scene);
+    lua_pop(_state, 2);
 }
 
 void XScriptCall::StoreSelf(XVector3 const& value) { XScriptTables::StoreValue(_state, 1, value); }
