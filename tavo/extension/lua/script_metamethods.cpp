@@ -4,6 +4,7 @@
 #include "tavo/extension/lua/lua_script.h"
 #include "tavo/extension/lua/native.h"
 #include "tavo/extension/lua/script_tables.h"
+#include <lua.hpp>
 #include <utility>
 
 namespace Tavo {
