@@ -82,7 +82,7 @@ TEST_F(TransformFunctionsTest, RotationOrdersAreWordsOrNumbers) {
                    "child:setRotationOrder(1):rotationOrder(), child:setRotationOrder():rotationOrder()"));
     EXPECT_EQ("script:2: Transform:setRotationOrder: there is no such choice; there are XYZ, XZY, YXZ, YZX, ZXY, ZYX, "
               "or their numbers from 0 to 5",
-              failure("child:setRotationOrder('XXX')"));
+              failure("child:setRotationOrder('XYY')"));
     failure("child:setRotationOrder(6)");
     failure("child:setRotationOrder(-1)");
     EXPECT_EQ(0, child.RotationEulerOrder().Enumeration());
